@@ -1,0 +1,37 @@
+# The two set-up commands: `make run` and `make test`. Everything else builds on them.
+BUILD ?= build
+CMAKE_FLAGS ?=
+PROFILE ?= default
+
+.PHONY: all deps configure build run test bench tour format clean
+
+all: build
+
+deps:
+	@scripts/install-deps.sh
+
+$(BUILD)/build.ninja: CMakeLists.txt | deps
+	cmake -S . -B $(BUILD) -G Ninja $(CMAKE_FLAGS)
+
+configure: deps $(BUILD)/build.ninja
+
+build: configure
+	cmake --build $(BUILD)
+
+run: build
+	@scripts/run.sh $(BUILD) $(PROFILE)
+
+test: build
+	cd $(BUILD) && ctest --output-on-failure -j2
+
+bench: build
+	@echo "no benchmarks yet"
+
+tour: build
+	@scripts/tour.sh $(BUILD)
+
+format:
+	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf $(BUILD) out

@@ -1,0 +1,34 @@
+#ifndef _ST_INFO_MAIN_VIEW_CONTROLLER_H_
+#define _ST_INFO_MAIN_VIEW_CONTROLLER_H_
+
+#include <WContentViewController.h>
+
+// The About list: the first screen of the application.
+class StInfoMainViewController : public app_assist::WContentViewController {
+public:
+    StInfoMainViewController();
+    ~StInfoMainViewController() override;
+
+protected:
+    Evas_Object *onCreateView(Evas_Object *parent, void *viewParam) override;
+    void onPushed(Elm_Object_Item *naviItem) override;
+    void onBecomeTop() override;
+
+private:
+    void _addSwitches(Evas_Object *genlist);
+    void _addPrivacyNotice(Evas_Object *genlist);
+    void _addRelativeLinks(Evas_Object *genlist);
+    void _onReportDiagnosticTapped();
+    void _onUsbDebugTapped();
+    void _createRestrictedPopup();
+    static void _realizedCb(void *data, Evas_Object *obj, void *eventInfo);
+
+    Evas_Object *_circleGenlist;
+    Elm_Object_Item *_usbDebugItem;
+    Elm_Object_Item *_privacyNoticeItem;
+    unsigned int _reportDiagnosticListenerId;
+    unsigned int _usbDebugListenerId;
+    unsigned int _usbDebugRestrictionListenerId;
+};
+
+#endif

@@ -1,0 +1,94 @@
+#include "StInfoTextUtils.h"
+
+#include <libintl.h>
+#include <phonenumbers/asyoutypeformatter.h>
+#include <phonenumbers/phonenumberutil.h>
+#include <vconf.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "StInfoDefines.h"
+
+namespace {
+
+const char *const kRegionFormatKey = "db/menu_widget/regionformat";
+const char *const kDefaultRegion = "KR";
+
+const char *const kUnformattedRegions[] = {"RU", "UZ", "BY", "KZ", "BN", "KH", "ID", "MY",
+                                           "MM", "PH", "SG", "TH", "VN", "IL", "CN"};
+
+}  // namespace
+
+void formatStorageSize(double usedBytes, char *buffer, int size) {
+    if (!buffer || size <= 0)
+        return;
+    double value;
+    const char *unit;
+    if (usedBytes < 1048576.0) {
+        value = usedBytes * (1.0 / 1024.0);
+        unit = "IDS_ST_BODY_KB";
+    } else if (usedBytes < 1073741824.0) {
+        value = usedBytes * (1.0 / 1048576.0);
+        unit = "IDS_ST_BODY_MB";
+    } else {
+        value = usedBytes * (1.0 / 1073741824.0);
+        unit = "IDS_ST_BODY_GB";
+    }
+    // The total is the watch's fixed 4 GB capacity.
+    snprintf(buffer, size, "%4.2lf%s / %3.1f%s", value, dgettext(ST_INFO_TEXT_DOMAIN, unit), 4.0,
+             dgettext(ST_INFO_TEXT_DOMAIN, "IDS_ST_BODY_GB"));
+}
+
+std::string getRegionCode() {
+    char *value = vconf_get_str(kRegionFormatKey);
+    if (!value)
+        return kDefaultRegion;
+    // "en_GB.UTF-8": the country follows the language and its underscore.
+    std::string region = strlen(value) >= 5 ? std::string(value + 3, 2) : kDefaultRegion;
+    free(value);
+    return region;
+}
+
+bool isUnformattedRegion(const std::string &region) {
+    if (region.empty())
+        return false;
+    for (const char *code : kUnformattedRegions)
+        if (region == code)
+            return true;
+    return false;
+}
+
+std::string formatPhoneNumber(const std::string &number) {
+    if (number.empty())
+        return std::string();
+    std::string region = getRegionCode();
+
+    size_t length = number.size();
+    if (length >= 12 && !(length <= 16 && number[0] == '+'))
+        return number;
+    if (isUnformattedRegion(region))
+        return number;
+
+    std::unique_ptr<i18n::phonenumbers::AsYouTypeFormatter> formatter(
+        i18n::phonenumbers::PhoneNumberUtil::GetInstance()->GetAsYouTypeFormatter(region));
+    std::string result;
+    for (char c : number)
+        formatter->InputDigit(static_cast<unsigned char>(c), &result);
+    if (!result.empty() && result.back() == ' ')
+        result.pop_back();
+    return result;
+}
+
+std::string toNationalNumber(const std::string &formatted) {
+    if (formatted.empty() || formatted[0] != '+')
+        return formatted;
+    size_t space = formatted.find(' ');
+    if (space == std::string::npos)
+        return std::string();
+    std::string national = formatted.substr(space);
+    national[0] = '0';
+    return national;
+}

@@ -1,0 +1,7 @@
+#include "StDecoratableItem.h"
+
+StDecoratableItem::StDecoratableItem() {}
+
+StDecoratableItem::~StDecoratableItem() {}
+
+void StDecoratableItem::decorate() {}

@@ -1,0 +1,672 @@
+// The list's scroll position is read and put back through upstream's scrollable interface.
+#define EFL_BETA_API_SUPPORT 1
+#include "Driver.h"
+
+#include <Ecore_Evas.h>
+#include <WPopupController.h>
+#include <app.h>
+#include <libintl.h>
+#include <vconf.h>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+namespace {
+
+const double kSettle = 0.06;     // lets the toolkit lay out and draw after a command
+const double kSimSettle = 0.15;  // events from other processes arrive through the loop
+const char *const kDomain = "quillset";
+
+std::vector<std::string> splitWords(const std::string &text) {
+    std::vector<std::string> words;
+    std::istringstream in(text);
+    std::string word;
+    while (in >> word)
+        words.push_back(word);
+    return words;
+}
+
+std::string trim(const std::string &text) {
+    size_t begin = text.find_first_not_of(" \t\r");
+    if (begin == std::string::npos)
+        return std::string();
+    size_t end = text.find_last_not_of(" \t\r");
+    return text.substr(begin, end - begin + 1);
+}
+
+unsigned int timestamp() {
+    return static_cast<unsigned int>(ecore_time_get() * 1000.0);
+}
+
+}  // namespace
+
+Driver::Driver(std::string simPath, bool interactive)
+    : _simPath(std::move(simPath)),
+      _interactive(interactive),
+      _inputDone(false),
+      _busy(false),
+      _finished(false),
+      _status(0),
+      _lineCount(0),
+      _stdinHandler(nullptr),
+      _timer(nullptr) {}
+
+bool Driver::start(const std::string &scriptPath) {
+    if (!scriptPath.empty()) {
+        std::ifstream in(scriptPath);
+        if (!in) {
+            std::cerr << "quillset-drive: cannot read script " << scriptPath << ": "
+                      << strerror(errno) << "\n";
+            _status = 2;
+            return false;
+        }
+        std::string text;
+        while (std::getline(in, text))
+            _pending.push_back(Line{++_lineCount, text});
+        _inputDone = true;
+    } else {
+        fcntl(STDIN_FILENO, F_SETFL, fcntl(STDIN_FILENO, F_GETFL) | O_NONBLOCK);
+        _stdinHandler = ecore_main_fd_handler_add(STDIN_FILENO, ECORE_FD_READ, _stdinCb, this,
+                                                  nullptr, nullptr);
+    }
+    // The first frame needs the window to be sized and the first launch request handled.
+    _scheduleNext(0.2);
+    return true;
+}
+
+Eina_Bool Driver::_stdinCb(void *data, Ecore_Fd_Handler *) {
+    static_cast<Driver *>(data)->_readStdin();
+    return ECORE_CALLBACK_RENEW;
+}
+
+void Driver::_readStdin() {
+    char buffer[4096];
+    for (;;) {
+        ssize_t n = read(STDIN_FILENO, buffer, sizeof(buffer));
+        if (n > 0) {
+            _partial.append(buffer, n);
+            size_t newline;
+            while ((newline = _partial.find('\n')) != std::string::npos) {
+                _pending.push_back(Line{++_lineCount, _partial.substr(0, newline)});
+                _partial.erase(0, newline + 1);
+            }
+            continue;
+        }
+        if (n < 0 && (errno == EAGAIN || errno == EINTR))
+            break;
+        // End of input.
+        if (!_partial.empty())
+            _pending.push_back(Line{++_lineCount, _partial});
+        _partial.clear();
+        _inputDone = true;
+        if (_stdinHandler) {
+            ecore_main_fd_handler_del(_stdinHandler);
+            _stdinHandler = nullptr;
+        }
+        break;
+    }
+    if (!_busy && !_timer)
+        _scheduleNext(0);
+}
+
+void Driver::_scheduleNext(double delay) {
+    if (_timer)
+        ecore_timer_del(_timer);
+    _timer = ecore_timer_add(delay, _nextCb, this);
+}
+
+Eina_Bool Driver::_nextCb(void *data) {
+    auto *self = static_cast<Driver *>(data);
+    self->_timer = nullptr;
+    self->_runNext();
+    return ECORE_CALLBACK_CANCEL;
+}
+
+void Driver::_runNext() {
+    if (_finished || _busy)
+        return;
+    while (!_pending.empty()) {
+        Line line = _pending.front();
+        _pending.pop_front();
+        std::string text = trim(line.text);
+        if (text.empty() || text[0] == '#')
+            continue;
+        line.text = text;
+        _busy = true;
+        _run(line);
+        return;
+    }
+    if (_inputDone) {
+        // The script is over: end the application as a person would leave it.
+        _finished = true;
+        ui_app_exit();
+    }
+}
+
+void Driver::_after(double delay, std::function<void()> then) {
+    auto *entry = new std::pair<Ecore_Timer *, std::function<void()>>(nullptr, std::move(then));
+    entry->first = ecore_timer_add(delay, _afterCb, entry);
+    _afters.push_back(entry);
+}
+
+Eina_Bool Driver::_afterCb(void *data) {
+    auto *entry = static_cast<std::pair<Ecore_Timer *, std::function<void()>> *>(data);
+    std::function<void()> then = std::move(entry->second);
+    entry->first = nullptr;
+    then();
+    return ECORE_CALLBACK_CANCEL;
+}
+
+void Driver::_fail(const Line &line, const std::string &reason) {
+    std::cerr << "quillset-drive: line " << line.number << ": " << line.text << ": " << reason
+              << "\n";
+    _status = 1;
+    if (_interactive) {
+        // At a prompt a mistake should not end the session.
+        _busy = false;
+        _scheduleNext(0);
+        return;
+    }
+    _finished = true;
+    ui_app_exit();
+}
+
+std::string Driver::_translate(const std::string &text) const {
+    return dgettext(kDomain, text.c_str());
+}
+
+bool Driver::_matches(const std::string &shown, const std::string &wanted) const {
+    return shown == wanted || shown == _translate(wanted);
+}
+
+void Driver::_run(const Line &line) {
+    std::string command = line.text.substr(0, line.text.find_first_of(" \t"));
+    std::string arg = trim(line.text.substr(command.size()));
+    auto done = [this](double delay) {
+        _busy = false;
+        _scheduleNext(delay);
+    };
+
+    if (command == "dump") {
+        _revealSwitches([this, done](const ScreenReader::SwitchStates &states) {
+            std::cout << _reader.dump(states).dump(-1, ' ', false,
+                                                   nlohmann::json::error_handler_t::replace)
+                      << std::endl;
+            done(0);
+        });
+    } else if (command == "tap") {
+        if (_tap(line, arg))
+            return;  // continues on its own
+    } else if (command == "press") {
+        if (_press(line, arg))
+            done(kSettle * 2);
+    } else if (command == "back") {
+        _feedKey("Escape");
+        done(kSettle * 2);
+    } else if (command == "bezel") {
+        char *end = nullptr;
+        long steps = strtol(arg.c_str(), &end, 10);
+        if (arg.empty() || *end) {
+            _fail(line, "bezel needs a number of steps (negative turns back)");
+            return;
+        }
+        for (long i = 0; i < labs(steps); ++i)
+            _feedKey(steps > 0 ? "Next" : "Prior");
+        done(0.4);  // the list glides to its new place
+    } else if (command == "wait") {
+        char *end = nullptr;
+        long ms = strtol(arg.c_str(), &end, 10);
+        if (arg.empty() || *end || ms < 0) {
+            _fail(line, "wait needs milliseconds");
+            return;
+        }
+        done(ms / 1000.0);
+    } else if (command == "shot") {
+        std::string error;
+        if (arg.empty())
+            _fail(line, "shot needs a file name");
+        else if (!_shot(arg, &error))
+            _fail(line, error);
+        else
+            done(0);
+    } else if (command == "expect") {
+        std::string dumped =
+            _reader.dump().dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+        std::string quotedJson = nlohmann::json(arg).dump();
+        std::string quotedText = nlohmann::json(_translate(arg)).dump();
+        // Compare as JSON strings so that quotes and backslashes match what is shown.
+        auto contains = [&dumped](const std::string &quoted) {
+            return dumped.find(quoted.substr(1, quoted.size() - 2)) != std::string::npos;
+        };
+        if (arg.empty() || (!contains(quotedJson) && !contains(quotedText)))
+            _fail(line, "not on screen; the screen is " + dumped);
+        else
+            done(0);
+    } else if (command == "set") {
+        std::string error;
+        if (!_set(splitWords(arg), &error))
+            _fail(line, error);
+        else
+            done(kSimSettle);
+    } else if (command == "sim") {
+        std::string error;
+        if (!_runSim(splitWords(arg), &error))
+            _fail(line, error);
+        else
+            done(kSimSettle);
+    } else if (command == "tour") {
+        if (arg.empty())
+            _fail(line, "tour needs a directory");
+        else
+            _tour(line, arg);
+    } else if (command == "quit") {
+        _finished = true;
+        ui_app_exit();
+    } else {
+        _fail(line,
+              "unknown command (dump, tap, press, back, bezel, wait, shot, expect, set, "
+              "sim, tour, quit)");
+    }
+}
+
+bool Driver::_tap(const Line &line, const std::string &arg) {
+    Evas_Object *list = _reader.topList();
+    if (!list) {
+        _fail(line, "no list on screen");
+        return false;
+    }
+    Elm_Object_Item *target = nullptr;
+    if (!arg.empty() && arg[0] == '#') {
+        char *end = nullptr;
+        long index = strtol(arg.c_str() + 1, &end, 10);
+        if (arg.size() == 1 || *end || index < 0) {
+            _fail(line, "tap #N needs a row index");
+            return false;
+        }
+        target = elm_genlist_nth_item_get(list, static_cast<unsigned int>(index));
+    } else {
+        for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item && !target;
+             item = elm_genlist_item_next_get(item)) {
+            nlohmann::json texts = ScreenReader::rowTexts(item);
+            if (texts.contains("elm.text") && _matches(texts["elm.text"], arg))
+                target = item;
+        }
+    }
+    if (!target) {
+        _fail(line, "no such row on screen");
+        return false;
+    }
+    // Bring the row into view first, then touch its centre once it has been drawn there.
+    elm_genlist_item_show(target, ELM_GENLIST_ITEM_SCROLLTO_IN);
+    _after(kSettle, [this, line, target, list]() {
+        bool found = false;
+        for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item;
+             item = elm_genlist_item_next_get(item))
+            found = found || item == target;
+        if (!found) {
+            _fail(line, "the row went away before it could be touched");
+            return;
+        }
+        if (!_touchRow(target)) {
+            _fail(line, "the row is not on screen");
+            return;
+        }
+        _busy = false;
+        _scheduleNext(kSettle * 2);
+    });
+    return true;
+}
+
+bool Driver::_press(const Line &line, const std::string &arg) {
+    auto buttons = _reader.popupButtons();
+    if (buttons.empty()) {
+        _fail(line, "no popup button on screen");
+        return false;
+    }
+    Evas_Object *target = nullptr;
+    if (!arg.empty() && arg[0] == '#') {
+        char *end = nullptr;
+        long index = strtol(arg.c_str() + 1, &end, 10);
+        if (arg.size() > 1 && !*end && index >= 0 && index < static_cast<long>(buttons.size()))
+            target = buttons[index].first;
+    } else {
+        for (auto &button : buttons)
+            if (!target && _matches(button.second, arg))
+                target = button.first;
+    }
+    if (!target) {
+        std::string names;
+        for (auto &button : buttons)
+            names += (names.empty() ? "" : ", ") + button.second;
+        _fail(line, "no such popup button (there are: " + names + ")");
+        return false;
+    }
+    int x, y, w, h;
+    evas_object_geometry_get(target, &x, &y, &w, &h);
+    _feedClick(x + w / 2, y + h / 2);
+    return true;
+}
+
+void Driver::_feedKey(const char *key) {
+    Evas_Object *win = _reader.window();
+    if (!win)
+        return;
+    Evas *evas = evas_object_evas_get(win);
+    unsigned int ts = timestamp();
+    evas_event_feed_key_down(evas, key, key, nullptr, nullptr, ts, nullptr);
+    evas_event_feed_key_up(evas, key, key, nullptr, nullptr, ts + 10, nullptr);
+}
+
+void Driver::_feedClick(int x, int y) {
+    Evas_Object *win = _reader.window();
+    if (!win)
+        return;
+    Evas *evas = evas_object_evas_get(win);
+    unsigned int ts = timestamp();
+    evas_event_feed_mouse_move(evas, x, y, ts, nullptr);
+    evas_event_feed_mouse_down(evas, 1, EVAS_BUTTON_NONE, ts + 1, nullptr);
+    evas_event_feed_mouse_up(evas, 1, EVAS_BUTTON_NONE, ts + 60, nullptr);
+}
+
+bool Driver::_shot(const std::string &path, std::string *error) {
+    Evas_Object *win = _reader.window();
+    if (!win) {
+        *error = "no window";
+        return false;
+    }
+    Ecore_Evas *ee = ecore_evas_ecore_evas_get(evas_object_evas_get(win));
+    int w = 0, h = 0;
+    ecore_evas_geometry_get(ee, nullptr, nullptr, &w, &h);
+    const void *pixels = ecore_evas_buffer_pixels_get(ee);
+    if (!pixels) {
+        // A real window: read back what it shows.
+        Evas_Object *snapshot = evas_object_image_filled_add(evas_object_evas_get(win));
+        (void)snapshot;
+        evas_object_del(snapshot);
+        *error = "screenshots need the buffer engine (run without --window)";
+        return false;
+    }
+    Ecore_Evas *canvas = ecore_evas_buffer_new(w, h);
+    Evas_Object *image = evas_object_image_filled_add(ecore_evas_get(canvas));
+    evas_object_image_size_set(image, w, h);
+    evas_object_image_data_copy_set(image, const_cast<void *>(pixels));
+    bool saved = evas_object_image_save(image, path.c_str(), nullptr, nullptr);
+    ecore_evas_free(canvas);
+    if (!saved) {
+        *error = "cannot write " + path;
+        return false;
+    }
+    return true;
+}
+
+bool Driver::_runSim(const std::vector<std::string> &args, std::string *error) {
+    if (args.empty()) {
+        *error = "sim needs arguments";
+        return false;
+    }
+    std::vector<char *> argv;
+    argv.push_back(const_cast<char *>(_simPath.c_str()));
+    for (const std::string &arg : args)
+        argv.push_back(const_cast<char *>(arg.c_str()));
+    argv.push_back(nullptr);
+    fflush(stdout);
+    pid_t pid = fork();
+    if (pid < 0) {
+        *error = std::string("fork: ") + strerror(errno);
+        return false;
+    }
+    if (pid == 0) {
+        // Its output is for the person reading stderr, not for dump readers.
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        execv(argv[0], argv.data());
+        fprintf(stderr, "quillset-drive: cannot run %s: %s\n", argv[0], strerror(errno));
+        _exit(127);
+    }
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+        *error = "quillset-sim failed (status " + std::to_string(WEXITSTATUS(status)) + ")";
+        return false;
+    }
+    return true;
+}
+
+bool Driver::_set(const std::vector<std::string> &args, std::string *error) {
+    if (args.size() < 2 || (args.size() < 3 && args[1] != "string")) {
+        *error = "set needs KEY TYPE VALUE";
+        return false;
+    }
+    const std::string &key = args[0];
+    const std::string &type = args[1];
+    std::string value;
+    for (size_t i = 2; i < args.size(); ++i)
+        value += (i > 2 ? " " : "") + args[i];
+    char *end = nullptr;
+    int ret;
+    if (type == "bool") {
+        if (value != "true" && value != "false" && value != "1" && value != "0") {
+            *error = "bool values are true or false";
+            return false;
+        }
+        ret = vconf_set_bool(key.c_str(), value == "true" || value == "1");
+    } else if (type == "int") {
+        long v = strtol(value.c_str(), &end, 10);
+        if (value.empty() || *end) {
+            *error = "not an integer: " + value;
+            return false;
+        }
+        ret = vconf_set_int(key.c_str(), static_cast<int>(v));
+    } else if (type == "double") {
+        double v = strtod(value.c_str(), &end);
+        if (value.empty() || *end) {
+            *error = "not a number: " + value;
+            return false;
+        }
+        ret = vconf_set_dbl(key.c_str(), v);
+    } else if (type == "string") {
+        ret = vconf_set_str(key.c_str(), value.c_str());
+    } else {
+        *error = "types are bool, int, double and string";
+        return false;
+    }
+    if (ret != VCONF_OK) {
+        *error = "the settings store refused the write";
+        return false;
+    }
+    return true;
+}
+
+void Driver::finish() {
+    if (_timer) {
+        ecore_timer_del(_timer);
+        _timer = nullptr;
+    }
+    for (auto *entry : _afters) {
+        if (entry->first)
+            ecore_timer_del(entry->first);
+        delete entry;
+    }
+    _afters.clear();
+    if (_stdinHandler) {
+        ecore_main_fd_handler_del(_stdinHandler);
+        _stdinHandler = nullptr;
+    }
+    if (!_finished || !_pending.empty()) {
+        std::string notRun;
+        for (const Line &line : _pending) {
+            std::string text = trim(line.text);
+            if (!text.empty() && text[0] != '#')
+                notRun += "  line " + std::to_string(line.number) + ": " + text + "\n";
+        }
+        if (!notRun.empty())
+            std::cerr << "quillset-drive: the application ended; not run:\n" << notRun;
+        else
+            std::cerr << "quillset-drive: the application ended\n";
+    }
+}
+
+namespace {
+const int kTourMaxDepth = 3;
+const int kTourMaxScreens = 200;
+// A launch freezes the list for a second; the tour waits it out.
+const double kLaunchBlock = 1.1;
+}  // namespace
+
+void Driver::_tour(const Line &line, const std::string &dir) {
+    if (system(("mkdir -p '" + dir + "'").c_str()) != 0) {
+        _fail(line, "cannot create " + dir);
+        return;
+    }
+    _tourDir = dir;
+    _tourLine = line;
+    _tourScreens = 0;
+    _tourSteps.clear();
+    _tourExplore("main", 0);
+    _tourStep();
+}
+
+void Driver::_tourStep() {
+    if (_finished)
+        return;
+    if (_tourSteps.empty()) {
+        std::cerr << "quillset-drive: tour: " << _tourScreens << " screens in " << _tourDir << "\n";
+        _busy = false;
+        _scheduleNext(0);
+        return;
+    }
+    std::function<double()> step = std::move(_tourSteps.front());
+    _tourSteps.pop_front();
+    double delay = step();
+    _after(delay, [this]() { _tourStep(); });
+}
+
+void Driver::_tourCapture(const std::string &name) {
+    ++_tourScreens;
+    nlohmann::json screen = _reader.dump(_tourSwitches);
+    std::string text = screen.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    std::cout << text << std::endl;
+    std::ofstream(_tourDir + "/" + name + ".json") << text << "\n";
+    std::string error;
+    if (!_shot(_tourDir + "/" + name + ".png", &error))
+        std::cerr << "quillset-drive: tour: " << name << ": " << error << "\n";
+    std::cerr << "quillset-drive: tour: " << name << "\n";
+}
+
+void Driver::_tourExplore(const std::string &name, int depth) {
+    // Steps for one screen: capture it, then visit what each of its rows opens. Steps go to
+    // the front of the queue so that a page is finished before its parent goes on.
+    std::deque<std::function<double()>> steps;
+    steps.push_back([this]() {
+        return _revealSwitches(
+            [this](const ScreenReader::SwitchStates &states) { _tourSwitches = states; });
+    });
+    steps.push_back([this, name]() {
+        _tourCapture(name);
+        return 0.0;
+    });
+    Evas_Object *list = _reader.topList();
+    int count = list ? static_cast<int>(elm_genlist_items_count(list)) : 0;
+    for (int index = 0; index < count && depth < kTourMaxDepth; ++index) {
+        steps.push_back([this, name, depth, index]() -> double {
+            Evas_Object *current = _reader.topList();
+            Elm_Object_Item *item =
+                current ? elm_genlist_nth_item_get(current, static_cast<unsigned int>(index))
+                        : nullptr;
+            Elm_Object_Select_Mode mode =
+                item ? elm_genlist_item_select_mode_get(item) : ELM_OBJECT_SELECT_MODE_NONE;
+            if (!item || mode == ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY ||
+                mode == ELM_OBJECT_SELECT_MODE_NONE || elm_object_item_disabled_get(item) ||
+                _tourScreens >= kTourMaxScreens)
+                return 0.0;
+            int depthBefore = _reader.depth();
+            elm_genlist_item_show(item, ELM_GENLIST_ITEM_SCROLLTO_IN);
+            _tourSteps.push_front([this, name, depth, index, item, depthBefore]() -> double {
+                if (!_touchRow(item))
+                    return 0.0;
+                _tourSteps.push_front([this, name, depth, index, depthBefore]() -> double {
+                    std::string child = name + "." + std::to_string(index);
+                    if (_reader.topPopup()) {
+                        _tourSwitches.clear();
+                        _tourCapture(child + ".popup");
+                        _feedKey("Escape");
+                        return kSettle * 2;
+                    }
+                    if (_reader.depth() > depthBefore) {
+                        std::deque<std::function<double()>> before(_tourSteps);
+                        _tourSteps.clear();
+                        _tourExplore(child, depth + 1);
+                        _tourSteps.push_back([this]() {
+                            _feedKey("Escape");
+                            return kSettle * 2;
+                        });
+                        for (auto &step : before)
+                            _tourSteps.push_back(std::move(step));
+                        return 0.0;
+                    }
+                    // Something was launched or switched: let the list take input again.
+                    return kLaunchBlock;
+                });
+                return kSettle * 2;
+            });
+            return kSettle;
+        });
+    }
+    for (auto it = steps.rbegin(); it != steps.rend(); ++it)
+        _tourSteps.push_front(std::move(*it));
+}
+
+bool Driver::_touchRow(Elm_Object_Item *item) {
+    Evas_Object *track = elm_object_item_track(item);
+    int x = 0, y = 0, w = 0, h = 0;
+    if (track)
+        evas_object_geometry_get(track, &x, &y, &w, &h);
+    elm_object_item_untrack(item);
+    if (w <= 0 || h <= 0)
+        return false;
+    _feedClick(x + w / 2, y + h / 2);
+    return true;
+}
+
+double Driver::_revealSwitches(std::function<void(const ScreenReader::SwitchStates &)> done) {
+    Evas_Object *list = _reader.topList();
+    std::vector<Elm_Object_Item *> hidden;
+    if (list && !_reader.topPopup()) {
+        for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item;
+             item = elm_genlist_item_next_get(item))
+            if (ScreenReader::hasSwitch(item) && !ScreenReader::checkOf(item))
+                hidden.push_back(item);
+    }
+    if (hidden.empty()) {
+        done(ScreenReader::SwitchStates());
+        return 0.0;
+    }
+    const double frame = 0.03;
+    int x = 0, y = 0, w = 0, h = 0;
+    elm_interface_scrollable_content_region_get(list, &x, &y, &w, &h);
+    auto states = std::make_shared<ScreenReader::SwitchStates>();
+    for (size_t i = 0; i < hidden.size(); ++i) {
+        Elm_Object_Item *item = hidden[i];
+        _after(frame * i, [item]() { elm_genlist_item_show(item, ELM_GENLIST_ITEM_SCROLLTO_IN); });
+        _after(frame * (i + 1) - 0.005, [item, states]() {
+            if (Evas_Object *check = ScreenReader::checkOf(item))
+                (*states)[item] = elm_check_state_get(check);
+        });
+    }
+    double total = frame * (hidden.size() + 1);
+    _after(frame * hidden.size(), [list, x, y, w, h]() {
+        elm_interface_scrollable_content_region_show(list, x, y, w, h);
+    });
+    _after(total, [states, done]() { done(*states); });
+    return total + frame;
+}

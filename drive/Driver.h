@@ -1,0 +1,83 @@
+#ifndef QUILLSET_DRIVE_DRIVER_H
+#define QUILLSET_DRIVE_DRIVER_H
+
+#include <Elementary.h>
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ScreenReader.h"
+
+// Runs script commands against the running application, one at a time on its main loop,
+// letting the screen settle between commands.
+class Driver {
+public:
+    struct Line {
+        int number;
+        std::string text;
+    };
+
+    Driver(std::string simPath, bool interactive);
+
+    // Starts reading commands from a file (or stdin when path is empty) once the first frame
+    // has been drawn.
+    bool start(const std::string &scriptPath);
+    // Called when the application's main loop has ended.
+    void finish();
+    int exitStatus() const { return _status; }
+
+private:
+    void _readStdin();
+    static Eina_Bool _stdinCb(void *data, Ecore_Fd_Handler *handler);
+    void _scheduleNext(double delay);
+    static Eina_Bool _nextCb(void *data);
+    void _runNext();
+    void _run(const Line &line);
+    void _fail(const Line &line, const std::string &reason);
+    void _after(double delay, std::function<void()> then);
+    static Eina_Bool _afterCb(void *data);
+
+    // The tour: every screen reachable by tapping rows, each captured as a dump and a picture.
+    void _tour(const Line &line, const std::string &dir);
+    void _tourCapture(const std::string &name);
+    void _tourExplore(const std::string &name, int depth);
+    void _tourStep();
+    bool _touchRow(Elm_Object_Item *item);
+
+    // Brings each switch row that is off screen into view long enough to read its switch,
+    // puts the list back where it was, then calls done. Returns the time that takes.
+    double _revealSwitches(std::function<void(const ScreenReader::SwitchStates &)> done);
+
+    bool _tap(const Line &line, const std::string &arg);
+    bool _press(const Line &line, const std::string &arg);
+    void _feedKey(const char *key);
+    void _feedClick(int x, int y);
+    bool _shot(const std::string &path, std::string *error);
+    bool _runSim(const std::vector<std::string> &args, std::string *error);
+    bool _set(const std::vector<std::string> &args, std::string *error);
+    std::string _translate(const std::string &text) const;
+    bool _matches(const std::string &shown, const std::string &wanted) const;
+
+    std::string _simPath;
+    bool _interactive;
+    std::deque<Line> _pending;
+    bool _inputDone;
+    bool _busy;
+    bool _finished;
+    int _status;
+    int _lineCount;
+    std::string _partial;
+    Ecore_Fd_Handler *_stdinHandler;
+    Ecore_Timer *_timer;
+    std::vector<std::pair<Ecore_Timer *, std::function<void()>> *> _afters;
+    ScreenReader _reader;
+    std::deque<std::function<double()>> _tourSteps;
+    std::string _tourDir;
+    int _tourScreens = 0;
+    Line _tourLine;
+    ScreenReader::SwitchStates _tourSwitches;
+};
+
+#endif

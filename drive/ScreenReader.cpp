@@ -1,0 +1,256 @@
+#include "ScreenReader.h"
+
+#include <WApp.h>
+#include <WContentViewController.h>
+#include <WNaviframeController.h>
+#include <WPopupController.h>
+#include <WWindowController.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <map>
+
+using app_assist::WApp;
+using app_assist::WContentViewController;
+using app_assist::WNaviframeController;
+using app_assist::WPopupController;
+using app_assist::WViewController;
+using nlohmann::json;
+
+namespace {
+
+// Text parts a row may answer, in the order a person reads them.
+const char *const kRowParts[] = {"elm.text", "elm.text.1", "elm.text.2", "elm.text.sub"};
+const char *const kCheckParts[] = {"elm.icon", "elm.swallow.icon", "elm.swallow.end"};
+// Text parts of the page layouts.
+const char *const kLayoutParts[] = {"text.title", "text.body", "elm.text.title", "elm.text"};
+
+bool isType(Evas_Object *obj, const char *type) {
+    const char *t = obj ? evas_object_type_get(obj) : nullptr;
+    return t && !strcmp(t, type);
+}
+
+Evas_Object *findByType(Evas_Object *obj, const char *type, int depth = 0) {
+    if (!obj || depth > 10)
+        return nullptr;
+    if (isType(obj, type))
+        return obj;
+    Eina_List *children = evas_object_smart_members_get(obj);
+    Evas_Object *found = nullptr;
+    Eina_List *l;
+    void *child;
+    EINA_LIST_FOREACH(children, l, child) {
+        found = findByType(static_cast<Evas_Object *>(child), type, depth + 1);
+        if (found)
+            break;
+    }
+    eina_list_free(children);
+    return found;
+}
+
+json textOrNull(const char *text) {
+    return text ? json(std::string(text)) : json(nullptr);
+}
+
+std::string plain(const char *markup) {
+    if (!markup)
+        return std::string();
+    char *utf8 = elm_entry_markup_to_utf8(markup);
+    std::string text = utf8 ? utf8 : "";
+    free(utf8);
+    return text;
+}
+
+// Text parts that a row style shows, from the "texts" list of its theme group.
+const std::vector<std::string> &styleParts(Evas_Object *genlist, const char *style) {
+    static std::map<std::string, std::vector<std::string>> cache;
+    std::string key = style ? style : "default";
+    auto it = cache.find(key);
+    if (it != cache.end())
+        return it->second;
+    std::vector<std::string> parts;
+    std::string group = "elm/genlist/item/" + key + "/default";
+    const char *file = elm_theme_group_path_find(nullptr, group.c_str());
+    if (file) {
+        Evas_Object *edje = edje_object_add(evas_object_evas_get(genlist));
+        if (edje_object_file_set(edje, file, group.c_str())) {
+            const char *texts = edje_object_data_get(edje, "texts");
+            std::string list = texts ? texts : "";
+            size_t start = 0;
+            while (start < list.size()) {
+                size_t end = list.find(' ', start);
+                if (end == std::string::npos)
+                    end = list.size();
+                if (end > start)
+                    parts.push_back(list.substr(start, end - start));
+                start = end + 1;
+            }
+        }
+        evas_object_del(edje);
+    }
+    if (parts.empty())
+        parts.assign(std::begin(kRowParts), std::end(kRowParts));
+    return cache[key] = parts;
+}
+
+}  // namespace
+
+Evas_Object *ScreenReader::checkOf(Elm_Object_Item *item) {
+    for (const char *part : kCheckParts) {
+        Evas_Object *content = elm_object_item_part_content_get(item, part);
+        if (isType(content, "elm_check"))
+            return content;
+    }
+    return nullptr;
+}
+
+bool ScreenReader::hasSwitch(Elm_Object_Item *item) {
+    const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
+    return itc && itc->func.content_get;
+}
+
+Evas_Object *ScreenReader::window() const {
+    WApp *app = WApp::getInstance();
+    return app && app->getWindowController() ? app->getWindowController()->getEvasObject()
+                                             : nullptr;
+}
+
+static WNaviframeController *naviframe() {
+    WApp *app = WApp::getInstance();
+    if (!app || !app->getWindowController())
+        return nullptr;
+    return dynamic_cast<WNaviframeController *>(
+        app->getWindowController()->getBaseViewController());
+}
+
+WViewController *ScreenReader::topView() const {
+    WNaviframeController *nf = naviframe();
+    return nf ? nf->getTopView() : nullptr;
+}
+
+int ScreenReader::depth() const {
+    WNaviframeController *nf = naviframe();
+    return nf ? static_cast<int>(nf->getViews().size()) : 0;
+}
+
+Evas_Object *ScreenReader::topList() const {
+    WViewController *view = topView();
+    return view ? findByType(view->getEvasObject(), "elm_genlist") : nullptr;
+}
+
+WPopupController *ScreenReader::topPopup() const {
+    WViewController *view = topView();
+    return view ? view->getPopup() : nullptr;
+}
+
+std::vector<std::pair<Evas_Object *, std::string>> ScreenReader::popupButtons() const {
+    std::vector<std::pair<Evas_Object *, std::string>> buttons;
+    WPopupController *popup = topPopup();
+    if (!popup)
+        return buttons;
+    for (Evas_Object *button : popup->getButtons()) {
+        std::string label = plain(elm_object_text_get(button));
+        if (label.empty()) {
+            // Icon buttons are known by their accessibility name.
+            char *name = elm_atspi_accessible_name_get(button);
+            label = name ? name : "";
+            free(name);
+        }
+        buttons.emplace_back(button, label);
+    }
+    return buttons;
+}
+
+Evas_Object *ScreenReader::toast() const {
+    return nullptr;
+}
+
+json ScreenReader::rowTexts(Elm_Object_Item *item) {
+    json texts = json::object();
+    const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
+    if (!itc || !itc->func.text_get)
+        return texts;
+    Evas_Object *genlist = elm_object_item_widget_get(item);
+    void *data = elm_object_item_data_get(item);
+    for (const std::string &part : styleParts(genlist, itc->item_style)) {
+        char *text = itc->func.text_get(data, genlist, part.c_str());
+        if (text) {
+            texts[part] = text;
+            free(text);
+        }
+    }
+    return texts;
+}
+
+json ScreenReader::dump(const SwitchStates &switches) const {
+    json out;
+    WViewController *view = topView();
+    auto *content = dynamic_cast<WContentViewController *>(view);
+    out["page"] = textOrNull(content ? content->getTitle() : nullptr);
+    out["depth"] = depth();
+
+    json items = json::array();
+    if (Evas_Object *list = topList()) {
+        int index = 0;
+        for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item;
+             item = elm_genlist_item_next_get(item), ++index) {
+            const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
+            Elm_Object_Select_Mode mode = elm_genlist_item_select_mode_get(item);
+            json row;
+            row["index"] = index;
+            row["style"] = textOrNull(itc ? itc->item_style : nullptr);
+            row["texts"] = rowTexts(item);
+            row["selectable"] =
+                mode != ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY && mode != ELM_OBJECT_SELECT_MODE_NONE;
+            row["disabled"] = static_cast<bool>(elm_object_item_disabled_get(item));
+            Evas_Object *check = checkOf(item);
+            auto seen = switches.find(item);
+            row["check"] = check ? json(static_cast<bool>(elm_check_state_get(check)))
+                           : seen != switches.end() ? json(seen->second)
+                                                    : json(nullptr);
+            items.push_back(row);
+        }
+    }
+    out["items"] = items;
+
+    out["layout"] = nullptr;
+    if (view && !topList()) {
+        Evas_Object *layout = findByType(view->getEvasObject(), "elm_layout");
+        if (layout) {
+            json parts = json::object();
+            for (const char *part : kLayoutParts) {
+                const char *text = elm_layout_text_get(layout, part);
+                if (text)
+                    parts[part] = plain(text);
+            }
+            out["layout"] = parts;
+        }
+    }
+
+    out["popup"] = nullptr;
+    if (WPopupController *popup = topPopup()) {
+        Evas_Object *obj = popup->getEvasObject();
+        json p;
+        p["title"] = textOrNull(elm_object_part_text_get(obj, "title,text"));
+        const char *text = nullptr;
+        std::string body;
+        if (Evas_Object *built = popup->getContentObject()) {
+            body = plain(elm_object_part_text_get(built, "elm.text"));
+            text = body.empty() ? nullptr : body.c_str();
+        } else {
+            body = plain(elm_object_text_get(obj));
+            text = body.empty() ? nullptr : body.c_str();
+        }
+        p["text"] = textOrNull(text);
+        json buttons = json::array();
+        for (auto &button : popupButtons())
+            buttons.push_back(button.second);
+        p["buttons"] = buttons;
+        out["popup"] = p;
+    }
+
+    Evas_Object *toastObj = toast();
+    out["toast"] = toastObj ? json(plain(elm_object_text_get(toastObj))) : json(nullptr);
+    return out;
+}

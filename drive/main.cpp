@@ -1,0 +1,91 @@
+// quillset-drive: runs the About application headless (or in a window) and executes script
+// commands against its screens. See the README for the commands.
+
+#include <unistd.h>
+
+#include <app.h>
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <string>
+
+#include "Driver.h"
+#include "StInfoApp.h"
+
+namespace {
+
+std::string ownDirectory() {
+    char path[PATH_MAX];
+    ssize_t n = readlink("/proc/self/exe", path, sizeof(path) - 1);
+    if (n <= 0)
+        return ".";
+    path[n] = '\0';
+    std::string dir(path);
+    return dir.substr(0, dir.rfind('/'));
+}
+
+// The application, with the driver starting once its window exists.
+class DrivenApp : public StInfoApp {
+public:
+    DrivenApp(Driver &driver, std::string script) : _driver(driver), _script(std::move(script)) {}
+
+protected:
+    bool onCreate() override {
+        if (!StInfoApp::onCreate())
+            return false;
+        // Pages appear at once, so that every command sees the screen it produced.
+        elm_config_transition_duration_factor_set(0.0);
+        edje_transition_duration_factor_set(0.0);
+        return _driver.start(_script);
+    }
+
+    void onTerminate() override {
+        _driver.finish();
+        StInfoApp::onTerminate();
+    }
+
+private:
+    Driver &_driver;
+    std::string _script;
+};
+
+void usage() {
+    std::cerr << "usage: quillset-drive [--script FILE] [--window]\n"
+                 "Runs the About application and executes commands (from FILE, or stdin):\n"
+                 "  dump | tap LABEL | tap #N | press LABEL | press #N | back | bezel N |\n"
+                 "  wait MS | shot FILE.png | expect TEXT | set KEY TYPE VALUE | sim ARGS... |\n"
+                 "  quit\n";
+}
+
+}  // namespace
+
+int main(int argc, char *argv[]) {
+    std::string script;
+    bool window = false;
+    for (int i = 1; i < argc; ++i) {
+        if (!strcmp(argv[i], "--script") && i + 1 < argc) {
+            script = argv[++i];
+        } else if (!strcmp(argv[i], "--window")) {
+            window = true;
+        } else if (!strcmp(argv[i], "--help") || !strcmp(argv[i], "-h")) {
+            usage();
+            return 0;
+        } else {
+            usage();
+            return 2;
+        }
+    }
+    if (!window)
+        setenv("ELM_DISPLAY", "buffer", 1);
+
+    StInfoApp::bindTextDomain();
+
+    Driver driver(ownDirectory() + "/quillset-sim", script.empty() && isatty(STDIN_FILENO));
+    DrivenApp app(driver, script);
+    int result = app.start(argc > 0 ? 1 : 0, argv);
+    if (result != APP_ERROR_NONE)
+        return 3;
+    return driver.exitStatus();
+}

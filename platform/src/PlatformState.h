@@ -1,0 +1,35 @@
+#ifndef QUILLSET_PLATFORM_STATE_H
+#define QUILLSET_PLATFORM_STATE_H
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+// What the stand-ins share: where the simulated watch keeps its state, its device profile,
+// injected faults and the usage database.
+namespace platform {
+
+// $QUILLSET_STATE; "" (with one clear message on stderr) when the program was not started
+// through `quillset-sim run`.
+const std::string &stateDir();
+// The build or install tree of the programs.
+const std::string &dataDir();
+
+// The device profile, read once; an empty object when there is none.
+const nlohmann::json &profile();
+
+// True when the profile makes call (optionally for key) fail; code receives its error code.
+bool fault(const char *call, const char *key, int *code);
+
+// Usage database rows; false when the database cannot be written (logged).
+bool recordUsage(const std::string &uri, const std::string &appId, const std::string &feature,
+                 const char *extra, const char *value);
+long long journal(const char *request, const std::string &appId, const std::string &operation,
+                  const std::string &extraJson, int launchMode, int result, long long launchId);
+
+// Forgets the cached profile so that the next query reads it again (tests change profiles).
+void reloadProfile();
+
+}  // namespace platform
+
+#endif

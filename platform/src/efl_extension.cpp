@@ -1,0 +1,431 @@
+// Circular UI extension of the watch: circle objects with a round scroll bar, rotary (bezel)
+// input, the hardware back key and the round screen itself.
+//
+// On the host the bezel is the mouse wheel over a list, or Page Up / Page Down; the back key is
+// Escape or BackSpace. Everything outside the 360x360 circle is masked black.
+
+// The scrollable and accessibility interfaces are Eo APIs that upstream marks as beta.
+#define EFL_BETA_API_SUPPORT 1
+#include <efl_extension.h>
+
+#include <dlog.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+const char *const kTag = "EFL_EXTENSION";
+const char *const kCircleKey = "_eext_circle";
+const char *const kWindowKey = "_eext_window";
+
+enum class CircleKind { Genlist, Scroller };
+
+struct CircleObject {
+    CircleKind kind;
+    Evas_Object *target;  // the genlist or scroller
+    Evas_Object *bar;     // the round scroll bar (an image drawn along the right edge)
+    Elm_Scroller_Policy policyV;
+};
+
+struct RotaryCallback {
+    Evas_Object *obj;
+    Eext_Rotary_Event_Cb func;
+    void *data;
+};
+
+struct KeyCallback {
+    Evas_Object *obj;
+    Eext_Callback_Type type;
+    Eext_Event_Cb func;
+    void *data;
+};
+
+Evas_Object *g_rotaryObject = nullptr;
+std::vector<RotaryCallback> g_rotaryCallbacks;
+std::vector<KeyCallback> g_keyCallbacks;
+
+}  // namespace
+
+struct _Eext_Circle_Surface {
+    Evas_Object *container;
+};
+
+namespace {
+
+void surfaceContainerDelCb(void *data, Evas *, Evas_Object *, void *) {
+    delete static_cast<_Eext_Circle_Surface *>(data);
+}
+
+Eext_Circle_Surface *surfaceAdd(Evas_Object *container) {
+    if (!container) {
+        dlog_print(DLOG_ERROR, kTag, "circle surface: no container");
+        return nullptr;
+    }
+    auto *surface = new _Eext_Circle_Surface{container};
+    // The platform frees a surface with the object that carries it.
+    evas_object_event_callback_add(container, EVAS_CALLBACK_DEL, surfaceContainerDelCb, surface);
+    return surface;
+}
+
+// ---- the round screen -------------------------------------------------------------------
+
+void maskResizeCb(void *data, Evas *, Evas_Object *win, void *) {
+    auto *mask = static_cast<Evas_Object *>(data);
+    int w = 0, h = 0;
+    evas_object_geometry_get(win, nullptr, nullptr, &w, &h);
+    if (w <= 0 || h <= 0)
+        return;
+    evas_object_image_size_set(mask, w, h);
+    evas_object_image_fill_set(mask, 0, 0, w, h);
+    evas_object_resize(mask, w, h);
+    auto *pixels = static_cast<unsigned int *>(evas_object_image_data_get(mask, EINA_TRUE));
+    if (!pixels)
+        return;
+    int stride = evas_object_image_stride_get(mask) / 4;
+    double cx = w / 2.0, cy = h / 2.0, r = std::min(w, h) / 2.0;
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            double d = std::hypot(x + 0.5 - cx, y + 0.5 - cy);
+            // Anti-aliased edge one pixel wide; premultiplied black is just the alpha byte.
+            double a = std::clamp(d - r + 0.5, 0.0, 1.0);
+            pixels[y * stride + x] = static_cast<unsigned int>(a * 255.0 + 0.5) << 24;
+        }
+    }
+    evas_object_image_data_set(mask, pixels);
+    evas_object_image_data_update_add(mask, 0, 0, w, h);
+}
+
+void keyDownCb(void *data, Evas *, Evas_Object *, void *eventInfo);
+
+void ensureWindow(Evas_Object *obj) {
+    Evas_Object *win = elm_object_top_widget_get(obj);
+    if (!win || evas_object_data_get(win, kWindowKey))
+        return;
+    Evas_Object *mask = evas_object_image_filled_add(evas_object_evas_get(win));
+    evas_object_image_alpha_set(mask, EINA_TRUE);
+    evas_object_pass_events_set(mask, EINA_TRUE);
+    evas_object_layer_set(mask, EVAS_LAYER_MAX);
+    evas_object_show(mask);
+    evas_object_data_set(win, kWindowKey, mask);
+    evas_object_event_callback_add(win, EVAS_CALLBACK_RESIZE, maskResizeCb, mask);
+    maskResizeCb(mask, nullptr, win, nullptr);
+
+    for (const char *key : {"Next", "Prior", "Escape", "BackSpace", "XF86Back"}) {
+        if (!evas_object_key_grab(win, key, 0, 0, EINA_FALSE))
+            dlog_print(DLOG_WARN, kTag, "key %s could not be grabbed", key);
+    }
+    evas_object_event_callback_add(win, EVAS_CALLBACK_KEY_DOWN, keyDownCb, nullptr);
+}
+
+// ---- circle objects ---------------------------------------------------------------------
+
+void updateBar(CircleObject *circle) {
+    if (!circle->bar)
+        return;
+    Evas_Coord x = 0, y = 0, w = 0, h = 0, cw = 0, ch = 0;
+    elm_interface_scrollable_content_region_get(circle->target, &x, &y, &w, &h);
+    elm_interface_scrollable_content_size_get(circle->target, &cw, &ch);
+    bool show = circle->policyV != ELM_SCROLLER_POLICY_OFF && ch > h && h > 0;
+    if (!show) {
+        evas_object_hide(circle->bar);
+        return;
+    }
+    // A short arc along the right edge of the circle: its angle follows the scroll position.
+    Evas_Object *win = elm_object_top_widget_get(circle->target);
+    int ww = 360, wh = 360;
+    if (win)
+        evas_object_geometry_get(win, nullptr, nullptr, &ww, &wh);
+    double span = 60.0 * M_PI / 180.0;
+    double frac = std::clamp(static_cast<double>(y) / (ch - h), 0.0, 1.0);
+    double len = std::max(span * h / ch, 8.0 * M_PI / 180.0);
+    double start = -span / 2 + frac * (span - len);
+    double r = std::min(ww, wh) / 2.0 - 6.0;
+    double cx = ww / 2.0, cy = wh / 2.0;
+    double ay = cy + r * std::sin(start);
+    double by = cy + r * std::sin(start + len);
+    double ax = cx + r * std::cos(start + len / 2);
+    evas_object_move(circle->bar, static_cast<int>(ax) - 2, static_cast<int>(ay));
+    evas_object_resize(circle->bar, 5, std::max(4, static_cast<int>(by - ay)));
+    evas_object_show(circle->bar);
+}
+
+void scrollCb(void *data, Evas_Object *, void *) {
+    updateBar(static_cast<CircleObject *>(data));
+}
+
+void circleTargetDelCb(void *data, Evas *, Evas_Object *, void *) {
+    auto *circle = static_cast<CircleObject *>(data);
+    if (circle->bar) {
+        Evas_Object *bar = circle->bar;
+        circle->bar = nullptr;
+        evas_object_del(bar);
+    }
+}
+
+void circleBarDelCb(void *data, Evas *, Evas_Object *obj, void *) {
+    auto *circle = static_cast<CircleObject *>(data);
+    if (g_rotaryObject == obj)
+        g_rotaryObject = nullptr;
+    if (circle->target) {
+        evas_object_event_callback_del_full(circle->target, EVAS_CALLBACK_DEL, circleTargetDelCb,
+                                            circle);
+        evas_object_smart_callback_del_full(circle->target, "scroll", scrollCb, circle);
+        evas_object_smart_callback_del_full(circle->target, "realized", scrollCb, circle);
+    }
+    delete circle;
+}
+
+Evas_Object *circleAdd(Evas_Object *target, CircleKind kind) {
+    if (!target) {
+        dlog_print(DLOG_ERROR, kTag, "circle object: no target");
+        return nullptr;
+    }
+    auto *circle = new CircleObject{kind, target, nullptr, ELM_SCROLLER_POLICY_AUTO};
+    // The circle object is the scroll bar itself; it lives as long as its target.
+    Evas_Object *bar = evas_object_rectangle_add(evas_object_evas_get(target));
+    evas_object_color_set(bar, 150, 150, 150, 200);
+    evas_object_pass_events_set(bar, EINA_TRUE);
+    evas_object_layer_set(bar, EVAS_LAYER_MAX - 1);
+    circle->bar = bar;
+    evas_object_data_set(bar, kCircleKey, circle);
+    evas_object_event_callback_add(bar, EVAS_CALLBACK_DEL, circleBarDelCb, circle);
+    evas_object_event_callback_add(target, EVAS_CALLBACK_DEL, circleTargetDelCb, circle);
+    evas_object_smart_callback_add(target, "scroll", scrollCb, circle);
+    evas_object_smart_callback_add(target, "realized", scrollCb, circle);
+    ensureWindow(target);
+    return bar;
+}
+
+CircleObject *circleOf(Evas_Object *obj) {
+    return obj ? static_cast<CircleObject *>(evas_object_data_get(obj, kCircleKey)) : nullptr;
+}
+
+// ---- rotary -----------------------------------------------------------------------------
+
+void rotateGenlist(Evas_Object *genlist, bool clockwise) {
+    // One detent moves the item at the centre of the list by one row.
+    Evas_Coord x, y, w, h;
+    evas_object_geometry_get(genlist, &x, &y, &w, &h);
+    int pos = 0;
+    Elm_Object_Item *item = elm_genlist_at_xy_item_get(genlist, x + w / 2, y + h / 2, &pos);
+    if (!item)
+        item = clockwise ? elm_genlist_first_item_get(genlist) : elm_genlist_last_item_get(genlist);
+    Elm_Object_Item *next =
+        clockwise ? elm_genlist_item_next_get(item) : elm_genlist_item_prev_get(item);
+    if (next)
+        elm_genlist_item_bring_in(next, ELM_GENLIST_ITEM_SCROLLTO_MIDDLE);
+}
+
+void rotateScroller(Evas_Object *scroller, bool clockwise) {
+    Evas_Coord x = 0, y = 0, w = 0, h = 0;
+    elm_interface_scrollable_content_region_get(scroller, &x, &y, &w, &h);
+    int step = std::max(40, h / 4);
+    elm_interface_scrollable_region_bring_in(scroller, x, clockwise ? y + step : y - step, w, h);
+}
+
+Evas_Object *findScroller(Evas_Object *obj, int depth = 0) {
+    if (!obj || depth > 8)
+        return nullptr;
+    if (efl_isa(obj, ELM_INTERFACE_SCROLLABLE_MIXIN) && evas_object_visible_get(obj))
+        return obj;
+    Eina_List *children = evas_object_smart_members_get(obj);
+    Evas_Object *found = nullptr;
+    Eina_List *l;
+    void *child;
+    EINA_LIST_FOREACH(children, l, child) {
+        found = findScroller(static_cast<Evas_Object *>(child), depth + 1);
+        if (found)
+            break;
+    }
+    eina_list_free(children);
+    return found;
+}
+
+void deliverRotary(bool clockwise) {
+    Evas_Object *obj = g_rotaryObject;
+    if (!obj)
+        return;
+    Eext_Rotary_Event_Info info{
+        clockwise ? EEXT_ROTARY_DIRECTION_CLOCKWISE : EEXT_ROTARY_DIRECTION_COUNTER_CLOCKWISE,
+        static_cast<unsigned int>(ecore_time_get() * 1000)};
+    for (const RotaryCallback &cb : std::vector<RotaryCallback>(g_rotaryCallbacks)) {
+        if (cb.obj == obj && cb.func(cb.data, obj, &info) == EINA_FALSE)
+            return;
+    }
+    if (CircleObject *circle = circleOf(obj)) {
+        if (circle->kind == CircleKind::Genlist)
+            rotateGenlist(circle->target, clockwise);
+        else
+            rotateScroller(circle->target, clockwise);
+        return;
+    }
+    // A popup or any other object: scroll whatever it scrolls.
+    if (Evas_Object *scroller = findScroller(obj))
+        rotateScroller(scroller, clockwise);
+}
+
+// ---- hardware keys ----------------------------------------------------------------------
+
+bool deliverBack() {
+    // The most recently registered visible object gets the key: a popup before its page.
+    for (auto it = g_keyCallbacks.rbegin(); it != g_keyCallbacks.rend(); ++it) {
+        if (it->type != EEXT_CALLBACK_BACK || !evas_object_visible_get(it->obj))
+            continue;
+        KeyCallback cb = *it;
+        cb.func(cb.data, cb.obj, nullptr);
+        return true;
+    }
+    return false;
+}
+
+void keyDownCb(void *, Evas *, Evas_Object *, void *eventInfo) {
+    auto *ev = static_cast<Evas_Event_Key_Down *>(eventInfo);
+    if (!ev || !ev->key || (ev->event_flags & EVAS_EVENT_FLAG_ON_HOLD))
+        return;
+    const char *key = ev->key;
+    if (!strcmp(key, "Next")) {
+        deliverRotary(true);
+    } else if (!strcmp(key, "Prior")) {
+        deliverRotary(false);
+    } else if (!strcmp(key, "Escape") || !strcmp(key, "BackSpace") || !strcmp(key, "XF86Back")) {
+        deliverBack();
+    } else {
+        return;
+    }
+    ev->event_flags = static_cast<Evas_Event_Flags>(ev->event_flags | EVAS_EVENT_FLAG_ON_HOLD);
+}
+
+void keyObjectDelCb(void *, Evas *, Evas_Object *obj, void *) {
+    g_keyCallbacks.erase(std::remove_if(g_keyCallbacks.begin(), g_keyCallbacks.end(),
+                                        [obj](const KeyCallback &cb) { return cb.obj == obj; }),
+                         g_keyCallbacks.end());
+    g_rotaryCallbacks.erase(
+        std::remove_if(g_rotaryCallbacks.begin(), g_rotaryCallbacks.end(),
+                       [obj](const RotaryCallback &cb) { return cb.obj == obj; }),
+        g_rotaryCallbacks.end());
+    if (g_rotaryObject == obj)
+        g_rotaryObject = nullptr;
+}
+
+void watchDeletion(Evas_Object *obj) {
+    evas_object_event_callback_del(obj, EVAS_CALLBACK_DEL, keyObjectDelCb);
+    evas_object_event_callback_add(obj, EVAS_CALLBACK_DEL, keyObjectDelCb, nullptr);
+}
+
+}  // namespace
+
+extern "C" {
+
+Eext_Circle_Surface *eext_circle_surface_conformant_add(Evas_Object *conformant) {
+    return surfaceAdd(conformant);
+}
+
+Eext_Circle_Surface *eext_circle_surface_naviframe_add(Evas_Object *naviframe) {
+    return surfaceAdd(naviframe);
+}
+
+Eext_Circle_Surface *eext_circle_surface_layout_add(Evas_Object *layout) {
+    return surfaceAdd(layout);
+}
+
+void eext_circle_surface_del(Eext_Circle_Surface *surface) {
+    if (!surface)
+        return;
+    evas_object_event_callback_del_full(surface->container, EVAS_CALLBACK_DEL,
+                                        surfaceContainerDelCb, surface);
+    delete surface;
+}
+
+Evas_Object *eext_circle_object_genlist_add(Evas_Object *genlist, Eext_Circle_Surface *) {
+    return circleAdd(genlist, CircleKind::Genlist);
+}
+
+void eext_circle_object_genlist_scroller_policy_set(Evas_Object *obj, Elm_Scroller_Policy policy_h,
+                                                    Elm_Scroller_Policy policy_v) {
+    CircleObject *circle = circleOf(obj);
+    if (!circle) {
+        dlog_print(DLOG_ERROR, kTag, "scroller policy: not a circle object");
+        return;
+    }
+    circle->policyV = policy_v;
+    // The round bar replaces the toolkit's own bars.
+    elm_scroller_policy_set(circle->target, policy_h, ELM_SCROLLER_POLICY_OFF);
+    updateBar(circle);
+}
+
+Evas_Object *eext_circle_object_scroller_add(Evas_Object *scroller, Eext_Circle_Surface *) {
+    return circleAdd(scroller, CircleKind::Scroller);
+}
+
+void eext_circle_object_scroller_policy_set(Evas_Object *obj, Elm_Scroller_Policy policy_h,
+                                            Elm_Scroller_Policy policy_v) {
+    eext_circle_object_genlist_scroller_policy_set(obj, policy_h, policy_v);
+}
+
+Eina_Bool eext_rotary_object_event_activated_set(Evas_Object *obj, Eina_Bool activated) {
+    if (!obj)
+        return EINA_FALSE;
+    if (activated) {
+        g_rotaryObject = obj;
+        watchDeletion(obj);
+        ensureWindow(circleOf(obj) ? circleOf(obj)->target : obj);
+    } else if (g_rotaryObject == obj) {
+        g_rotaryObject = nullptr;
+    }
+    return EINA_TRUE;
+}
+
+Eina_Bool eext_rotary_object_event_callback_add(Evas_Object *obj, Eext_Rotary_Event_Cb func,
+                                                void *data) {
+    if (!obj || !func)
+        return EINA_FALSE;
+    g_rotaryCallbacks.push_back(RotaryCallback{obj, func, data});
+    watchDeletion(obj);
+    return EINA_TRUE;
+}
+
+void *eext_rotary_object_event_callback_del(Evas_Object *obj, Eext_Rotary_Event_Cb func) {
+    for (auto it = g_rotaryCallbacks.begin(); it != g_rotaryCallbacks.end(); ++it) {
+        if (it->obj == obj && it->func == func) {
+            void *data = it->data;
+            g_rotaryCallbacks.erase(it);
+            return data;
+        }
+    }
+    return nullptr;
+}
+
+void eext_object_event_callback_add(Evas_Object *obj, Eext_Callback_Type type, Eext_Event_Cb func,
+                                    void *data) {
+    if (!obj || !func || type >= EEXT_CALLBACK_LAST) {
+        dlog_print(DLOG_ERROR, kTag, "event callback: invalid arguments");
+        return;
+    }
+    g_keyCallbacks.push_back(KeyCallback{obj, type, func, data});
+    watchDeletion(obj);
+    ensureWindow(obj);
+}
+
+void *eext_object_event_callback_del(Evas_Object *obj, Eext_Callback_Type type,
+                                     Eext_Event_Cb func) {
+    for (auto it = g_keyCallbacks.begin(); it != g_keyCallbacks.end(); ++it) {
+        if (it->obj == obj && it->type == type && it->func == func) {
+            void *data = it->data;
+            g_keyCallbacks.erase(it);
+            return data;
+        }
+    }
+    return nullptr;
+}
+
+void eext_naviframe_back_cb(void *, Evas_Object *obj, void *) {
+    elm_naviframe_item_pop(obj);
+}
+
+void eext_popup_back_cb(void *, Evas_Object *obj, void *) {
+    elm_popup_dismiss(obj);
+}
+
+}  // extern "C"

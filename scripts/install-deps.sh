@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build, the simulated watch and the tests need.
+# Only packages that are missing are installed; sudo is used when not root.
+set -euo pipefail
+
+packages=(
+    build-essential cmake ninja-build pkg-config
+    libefl-all-dev libedje-bin
+    libdbus-1-dev libdbus-glib-1-dev dbus-daemon
+    libphonenumber-dev
+    libsqlite3-dev sqlite3
+    nlohmann-json3-dev
+    gettext
+    libgtest-dev libgmock-dev
+    fonts-dejavu-core fonts-dejavu-extra
+    xvfb xauth
+    python3
+)
+
+missing=()
+for p in "${packages[@]}"; do
+    if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
+        missing+=("$p")
+    fi
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "Installing: ${missing[*]}"
+sudo=""
+[ "$(id -u)" -ne 0 ] && sudo="sudo"
+export DEBIAN_FRONTEND=noninteractive
+$sudo apt-get update -q
+$sudo apt-get install -y -q --no-install-recommends "${missing[@]}"

@@ -1,0 +1,49 @@
+#ifndef QUILLSET_SIM_USAGE_DB_H
+#define QUILLSET_SIM_USAGE_DB_H
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+struct sqlite3;
+
+namespace sim {
+
+// The usage database of the simulated watch: usage records and calls to the log provider
+// ("usage"), and the journal of launch and terminate requests ("journal").
+class UsageDb {
+public:
+    UsageDb();
+    ~UsageDb();
+
+    // Opens (and creates) <stateDir>/usage.db.
+    bool open(const std::string &stateDir, std::string *error);
+    bool isOpen() const { return _db != nullptr; }
+
+    bool addRecord(const std::string &uri, const std::string &appId, const std::string &feature,
+                   const char *extra, const char *value, std::string *error);
+    bool addCall(const std::string &busName, const std::string &path, const std::string &iface,
+                 const std::string &method, std::string *error);
+    // Returns the new journal id, or 0 on failure.
+    long long addJournal(const std::string &request, const std::string &appId,
+                         const std::string &operation, const std::string &extraJson, int launchMode,
+                         int result, long long launchId, std::string *error);
+
+    // Rows as JSON objects, oldest first.
+    bool listUsage(std::vector<nlohmann::json> *rows, std::string *error);
+    bool listJournal(std::vector<nlohmann::json> *rows, std::string *error);
+
+    UsageDb(const UsageDb &) = delete;
+    UsageDb &operator=(const UsageDb &) = delete;
+
+private:
+    bool _exec(const char *sql, std::string *error);
+    bool _list(const char *sql, std::vector<nlohmann::json> *rows, std::string *error);
+
+    sqlite3 *_db;
+};
+
+}  // namespace sim
+
+#endif

@@ -1,0 +1,135 @@
+#include "EflTestEnvironment.h"
+
+#include <fstream>
+#include <sstream>
+
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+#include <clocale>
+
+#include "StInfoApp.h"
+#include "StatePaths.h"
+
+namespace {
+std::string g_stateDir;
+
+std::string logPath() {
+    return g_stateDir + "/platform.log";
+}
+
+long fileSize(const std::string &path) {
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
+    return in ? static_cast<long>(in.tellg()) : 0;
+}
+
+struct Watchdog {
+    bool fired = false;
+};
+
+Eina_Bool watchdogCb(void *data) {
+    static_cast<Watchdog *>(data)->fired = true;
+    return ECORE_CALLBACK_CANCEL;
+}
+}  // namespace
+
+void EflTestEnvironment::SetUp() {
+    char tmpl[] = "/tmp/quillset-test-XXXXXX";
+    ASSERT_NE(mkdtemp(tmpl), nullptr);
+    g_stateDir = tmpl;
+    setenv("QUILLSET_STATE", g_stateDir.c_str(), 1);
+    setenv("ELM_DISPLAY", "buffer", 1);
+    setenv("ECORE_NO_SYSTEM_MODULES", "1", 1);
+    unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    // Texts as an English watch shows them.
+    setenv("LANGUAGE", "en_US:en", 1);
+    setlocale(LC_ALL, "C.UTF-8");
+    StInfoApp::bindTextDomain();
+    elm_init(0, nullptr);
+    // The watch's own look, as the platform loads it for applications.
+    std::string theme = sim::dataDir() + "/platform/watch-theme.edj";
+    elm_theme_overlay_add(nullptr, theme.c_str());
+    elm_config_transition_duration_factor_set(0.0);
+    edje_transition_duration_factor_set(0.0);
+}
+
+void EflTestEnvironment::TearDown() {
+    elm_shutdown();
+    std::string cmd = "rm -rf '" + g_stateDir + "'";
+    if (system(cmd.c_str()) != 0)
+        fprintf(stderr, "could not remove %s\n", g_stateDir.c_str());
+}
+
+const std::string &EflTestEnvironment::stateDir() {
+    return g_stateDir;
+}
+
+void EflTest::SetUp() {
+    _logStart = fileSize(logPath());
+    _win = elm_win_add(nullptr, "test", ELM_WIN_BASIC);
+    evas_object_resize(_win, 360, 360);
+    evas_object_show(_win);
+    evas_object_resize(_win, 360, 360);
+}
+
+void EflTest::TearDown() {
+    if (_win)
+        evas_object_del(_win);
+    _win = nullptr;
+    settle(0.01);
+}
+
+bool EflTest::runUntil(const std::function<bool()> &done, double timeout) {
+    Watchdog watchdog;
+    Ecore_Timer *timer = ecore_timer_add(timeout, watchdogCb, &watchdog);
+    while (!done() && !watchdog.fired) {
+        ecore_main_loop_iterate();
+        usleep(1000);
+    }
+    if (!watchdog.fired)
+        ecore_timer_del(timer);
+    return done();
+}
+
+void EflTest::settle(double seconds) {
+    double end = ecore_time_get() + seconds;
+    runUntil([end]() { return ecore_time_get() >= end; }, seconds + 1.0);
+}
+
+std::string EflTest::logSinceStart() const {
+    std::ifstream in(logPath(), std::ios::binary);
+    if (!in)
+        return std::string();
+    in.seekg(_logStart);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void EflTest::click(Evas_Object *obj) {
+    int x, y, w, h;
+    evas_object_geometry_get(obj, &x, &y, &w, &h);
+    Evas *evas = evas_object_evas_get(obj);
+    unsigned int ts = static_cast<unsigned int>(ecore_time_get() * 1000);
+    evas_event_feed_mouse_move(evas, x + w / 2, y + h / 2, ts, nullptr);
+    evas_event_feed_mouse_down(evas, 1, EVAS_BUTTON_NONE, ts + 1, nullptr);
+    evas_event_feed_mouse_up(evas, 1, EVAS_BUTTON_NONE, ts + 50, nullptr);
+}
+
+void EflTest::tapItem(Elm_Object_Item *item) {
+    elm_genlist_item_show(item, ELM_GENLIST_ITEM_SCROLLTO_IN);
+    settle();
+    Evas_Object *track = elm_object_item_track(item);
+    ASSERT_NE(track, nullptr);
+    click(track);
+    elm_object_item_untrack(item);
+    settle();
+}
+
+void EflTest::pressKey(const char *key) {
+    Evas *evas = evas_object_evas_get(_win);
+    unsigned int ts = static_cast<unsigned int>(ecore_time_get() * 1000);
+    evas_event_feed_key_down(evas, key, key, nullptr, nullptr, ts, nullptr);
+    evas_event_feed_key_up(evas, key, key, nullptr, nullptr, ts + 10, nullptr);
+    settle();
+}

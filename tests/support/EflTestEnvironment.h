@@ -1,0 +1,41 @@
+#ifndef QUILLSET_TESTS_EFL_TEST_ENVIRONMENT_H
+#define QUILLSET_TESTS_EFL_TEST_ENVIRONMENT_H
+
+#include <Elementary.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+// Brings the toolkit up on the buffer engine with a private state directory for the whole test
+// program, and tears it down at the end.
+class EflTestEnvironment : public ::testing::Environment {
+public:
+    void SetUp() override;
+    void TearDown() override;
+
+    static const std::string &stateDir();
+};
+
+// A 360x360 window on the buffer engine, deleted after each test.
+class EflTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Runs the main loop until done() is true or the watchdog expires; false on time-out.
+    bool runUntil(const std::function<bool()> &done, double timeout = 2.0);
+    // Lets the toolkit lay out and draw.
+    void settle(double seconds = 0.05);
+    // Lines of the platform log written since this test started.
+    std::string logSinceStart() const;
+    // Touches the centre of a genlist row as a person would.
+    void tapItem(Elm_Object_Item *item);
+    void click(Evas_Object *obj);
+    void pressKey(const char *key);
+
+    Evas_Object *_win = nullptr;
+    long _logStart = 0;
+};
+
+#endif
