@@ -1,3 +1,5 @@
+// Smart-object classes are named through upstream's Eo API, which it marks as beta.
+#define EFL_BETA_API_SUPPORT 1
 #include "ScreenReader.h"
 
 #include <WApp.h>
@@ -36,6 +38,9 @@ Evas_Object *findByType(Evas_Object *obj, const char *type, int depth = 0) {
         return nullptr;
     if (isType(obj, type))
         return obj;
+    // Only smart objects have members.
+    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
+        return nullptr;
     Eina_List *children = evas_object_smart_members_get(obj);
     Evas_Object *found = nullptr;
     Eina_List *l;
@@ -196,6 +201,9 @@ json ScreenReader::dump(const SwitchStates &switches) const {
         for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item;
              item = elm_genlist_item_next_get(item), ++index) {
             const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
+            // Spacing under the last row is not a row.
+            if (itc && itc->item_style && !strcmp(itc->item_style, "padding"))
+                continue;
             Elm_Object_Select_Mode mode = elm_genlist_item_select_mode_get(item);
             json row;
             row["index"] = index;

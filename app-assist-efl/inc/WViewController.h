@@ -28,8 +28,8 @@ public:
     void setName(const char *name) { _name = name ? name : ""; }
     const char *getName() const { return _name.c_str(); }
 
-    // Shows a popup over this view. The popup is owned by its own Evas object, which this
-    // view's object owns; a previous popup of this view is closed first.
+    // Shows a popup over this view. The popup is owned by its own Evas object; it is closed
+    // when this view goes away, and a previous popup of this view is closed first.
     bool attachPopup(WPopupController *popup);
     WPopupController *getPopup() const { return _popup; }
 

@@ -57,7 +57,9 @@ bool WViewController::attachPopup(WPopupController *popup) {
     if (_popup)
         _popup->destroy();
     popup->_owner = this;
-    if (!popup->create(_obj, nullptr)) {
+    // Popups sit on the window, over everything; this view closes them when it goes away.
+    Evas_Object *window = elm_object_top_widget_get(_obj);
+    if (!popup->create(window ? window : _obj, nullptr)) {
         popup->_owner = nullptr;
         delete popup;
         return false;
@@ -99,9 +101,13 @@ void WViewController::onSetMoreButton(Evas_Object *) {}
 
 void WViewController::_objDelCb(void *data, Evas *, Evas_Object *, void *) {
     auto *self = static_cast<WViewController *>(data);
-    if (self->_popup) {
-        self->_popup->_owner = nullptr;
+    if (WPopupController *popup = self->_popup) {
+        popup->_owner = nullptr;
         self->_popup = nullptr;
+        // When the whole window goes, it takes the popup with it.
+        Evas_Object *window = elm_object_top_widget_get(popup->getEvasObject());
+        if (window && !efl_invalidating_get(window) && !efl_invalidated_get(window))
+            popup->destroy();
     }
     self->onDestroy();
     self->_obj = nullptr;

@@ -27,6 +27,10 @@ struct CircleObject {
     Evas_Object *target;  // the genlist or scroller
     Evas_Object *bar;     // the round scroll bar (an image drawn along the right edge)
     Elm_Scroller_Policy policyV;
+    // Where the last detents took the list: quick detents step on from there, not from
+    // wherever the glide has got to.
+    int targetIndex = -1;
+    double targetTime = 0;
 };
 
 struct RotaryCallback {
@@ -122,7 +126,7 @@ void ensureWindow(Evas_Object *obj) {
 // ---- circle objects ---------------------------------------------------------------------
 
 void updateBar(CircleObject *circle) {
-    if (!circle->bar)
+    if (!circle->bar || !circle->target)
         return;
     Evas_Coord x = 0, y = 0, w = 0, h = 0, cw = 0, ch = 0;
     elm_interface_scrollable_content_region_get(circle->target, &x, &y, &w, &h);
@@ -155,12 +159,17 @@ void scrollCb(void *data, Evas_Object *, void *) {
     updateBar(static_cast<CircleObject *>(data));
 }
 
-void circleTargetDelCb(void *data, Evas *, Evas_Object *, void *) {
+void circleBarDeleteJob(void *data) { evas_object_del(static_cast<Evas_Object *>(data)); }
+
+void circleTargetDelCb(void *data, Evas *, Evas_Object *, void *)
+{
     auto *circle = static_cast<CircleObject *>(data);
+    circle->target = nullptr;
     if (circle->bar) {
-        Evas_Object *bar = circle->bar;
-        circle->bar = nullptr;
-        evas_object_del(bar);
+        // Owners of the circle object may still name it while the rest of their screen goes
+        // away in this same deletion; it goes right after.
+        evas_object_hide(circle->bar);
+        ecore_job_add(circleBarDeleteJob, circle->bar);
     }
 }
 
@@ -204,18 +213,30 @@ CircleObject *circleOf(Evas_Object *obj) {
 
 // ---- rotary -----------------------------------------------------------------------------
 
-void rotateGenlist(Evas_Object *genlist, bool clockwise) {
-    // One detent moves the item at the centre of the list by one row.
-    Evas_Coord x, y, w, h;
-    evas_object_geometry_get(genlist, &x, &y, &w, &h);
-    int pos = 0;
-    Elm_Object_Item *item = elm_genlist_at_xy_item_get(genlist, x + w / 2, y + h / 2, &pos);
+void rotateGenlist(CircleObject *circle, bool clockwise) {
+    // One detent moves the row at the centre of the screen by one.
+    Evas_Object *genlist = circle->target;
+    Elm_Object_Item *item = nullptr;
+    double now = ecore_time_get();
+    if (circle->targetIndex >= 0 && now - circle->targetTime < 0.5)
+        item = elm_genlist_nth_item_get(genlist, static_cast<unsigned int>(circle->targetIndex));
+    if (!item) {
+        Evas_Coord x, y, w, h;
+        evas_object_geometry_get(genlist, &x, &y, &w, &h);
+        int pos = 0;
+        item = elm_genlist_at_xy_item_get(genlist, x + w / 2, y + h / 2, &pos);
+    }
     if (!item)
         item = clockwise ? elm_genlist_first_item_get(genlist) : elm_genlist_last_item_get(genlist);
+    if (!item)
+        return;
     Elm_Object_Item *next =
         clockwise ? elm_genlist_item_next_get(item) : elm_genlist_item_prev_get(item);
-    if (next)
-        elm_genlist_item_bring_in(next, ELM_GENLIST_ITEM_SCROLLTO_MIDDLE);
+    if (!next)
+        next = item;
+    circle->targetIndex = elm_genlist_item_index_get(next) - 1;
+    circle->targetTime = now;
+    elm_genlist_item_bring_in(next, ELM_GENLIST_ITEM_SCROLLTO_MIDDLE);
 }
 
 void rotateScroller(Evas_Object *scroller, bool clockwise) {
@@ -230,6 +251,9 @@ Evas_Object *findScroller(Evas_Object *obj, int depth = 0) {
         return nullptr;
     if (efl_isa(obj, ELM_INTERFACE_SCROLLABLE_MIXIN) && evas_object_visible_get(obj))
         return obj;
+    // Only smart objects have members.
+    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
+        return nullptr;
     Eina_List *children = evas_object_smart_members_get(obj);
     Evas_Object *found = nullptr;
     Eina_List *l;
@@ -255,8 +279,10 @@ void deliverRotary(bool clockwise) {
             return;
     }
     if (CircleObject *circle = circleOf(obj)) {
+        if (!circle->target)
+            return;
         if (circle->kind == CircleKind::Genlist)
-            rotateGenlist(circle->target, clockwise);
+            rotateGenlist(circle, clockwise);
         else
             rotateScroller(circle->target, clockwise);
         return;
@@ -370,7 +396,9 @@ Eina_Bool eext_rotary_object_event_activated_set(Evas_Object *obj, Eina_Bool act
     if (activated) {
         g_rotaryObject = obj;
         watchDeletion(obj);
-        ensureWindow(circleOf(obj) ? circleOf(obj)->target : obj);
+        CircleObject *circle = circleOf(obj);
+        if (!circle || circle->target)
+            ensureWindow(circle ? circle->target : obj);
     } else if (g_rotaryObject == obj) {
         g_rotaryObject = nullptr;
     }

@@ -101,6 +101,37 @@ void applyTable(const Uxt_Theme_Color_Table *table) {
     }
 }
 
+// Room under the last row of a list, so that it can reach the middle of the round screen.
+const char *const kBottomMarginKey = "_uxt_bottom_margin";
+
+struct BottomMargin {
+    Evas_Object *genlist;
+    Ecore_Job *job;
+    Elm_Object_Item *item;
+};
+
+void bottomMarginJob(void *data)
+{
+    auto *margin = static_cast<BottomMargin *>(data);
+    margin->job = nullptr;
+    static Elm_Genlist_Item_Class *itc = nullptr;
+    if (!itc) {
+        itc = elm_genlist_item_class_new();
+        itc->item_style = "padding";
+    }
+    margin->item = elm_genlist_item_append(margin->genlist, itc, nullptr, nullptr,
+                                           ELM_GENLIST_ITEM_NONE, nullptr, nullptr);
+    elm_genlist_item_select_mode_set(margin->item, ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY);
+}
+
+void bottomMarginDelCb(void *data, Evas *, Evas_Object *, void *)
+{
+    auto *margin = static_cast<BottomMargin *>(data);
+    if (margin->job)
+        ecore_job_del(margin->job);
+    delete margin;
+}
+
 }  // namespace
 
 extern "C" {
@@ -188,12 +219,24 @@ void uxt_theme_object_item_replace_color(Elm_Object_Item *item, const char *colo
                                     a, r, g, b, a);
 }
 
-void uxt_genlist_set_bottom_margin_enabled(Evas_Object *genlist, bool enabled) {
+void uxt_genlist_set_bottom_margin_enabled(Evas_Object *genlist, bool enabled)
+{
     if (!genlist)
         return;
-    // FIXME: the last row should be able to scroll to the middle of the round screen; for now
-    // the flag is only kept on the list.
-    evas_object_data_set(genlist, "_uxt_bottom_margin", enabled ? genlist : nullptr);
+    auto *margin = static_cast<BottomMargin *>(evas_object_data_get(genlist, kBottomMarginKey));
+    if (enabled && !margin) {
+        margin = new BottomMargin{genlist, nullptr, nullptr};
+        evas_object_data_set(genlist, kBottomMarginKey, margin);
+        evas_object_event_callback_add(genlist, EVAS_CALLBACK_DEL, bottomMarginDelCb, margin);
+        // The list is still being filled: the margin goes after its last row.
+        margin->job = ecore_job_add(bottomMarginJob, margin);
+    } else if (!enabled && margin) {
+        evas_object_event_callback_del_full(genlist, EVAS_CALLBACK_DEL, bottomMarginDelCb, margin);
+        evas_object_data_del(genlist, kBottomMarginKey);
+        if (margin->item)
+            elm_object_item_del(margin->item);
+        bottomMarginDelCb(margin, nullptr, genlist, nullptr);
+    }
 }
 
 void uxt_popup_set_rotary_event_enabled(Evas_Object *popup, bool enabled) {

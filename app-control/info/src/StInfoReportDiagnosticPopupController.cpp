@@ -91,6 +91,8 @@ Evas_Object *StInfoReportDiagnosticPopupController::_createBody(Evas_Object *par
         edje_object_part_object_get(elm_layout_edje_get(layout), "elm.text"));
     if (textPart) {
         _textAccessObject = elm_access_object_register(textPart, parent);
+        // The access object must let go of the text part before the layout deletes it.
+        evas_object_event_callback_add(layout, EVAS_CALLBACK_DEL, _bodyDelCb, this);
         elm_atspi_accessible_description_set(_textAccessObject, text.c_str());
         elm_atspi_accessible_reading_info_type_set(_textAccessObject,
                                                    ELM_ACCESSIBLE_READING_INFO_TYPE_DESCRIPTION);
@@ -98,6 +100,8 @@ Evas_Object *StInfoReportDiagnosticPopupController::_createBody(Evas_Object *par
 
     Evas_Object *button = elm_button_add(layout);
     elm_object_style_set(button, "popup/circle/body");
+    // Focus would scroll the text to the button at once; the text is read from its start.
+    elm_object_focus_allow_set(button, EINA_FALSE);
     evas_object_size_hint_weight_set(button, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
     elm_object_domain_translatable_part_text_set(
         button, nullptr, nullptr, dgettext(ST_INFO_TEXT_DOMAIN, "MIDS_QAPPS_BUTTON_SEE_ALL"));
@@ -110,6 +114,18 @@ Evas_Object *StInfoReportDiagnosticPopupController::_createBody(Evas_Object *par
 
     evas_object_show(layout);
     return layout;
+}
+
+void StInfoReportDiagnosticPopupController::_bodyDelCb(void *data, Evas *, Evas_Object *layout,
+                                                       void *)
+{
+    auto *self = static_cast<StInfoReportDiagnosticPopupController *>(data);
+    Evas_Object *textPart = const_cast<Evas_Object *>(
+        edje_object_part_object_get(elm_layout_edje_get(layout), "elm.text"));
+    if (textPart && self->_textAccessObject)
+        elm_access_object_unregister(textPart);
+    self->_textAccessObject = nullptr;
+    self->_seeAllButton = nullptr;
 }
 
 void StInfoReportDiagnosticPopupController::_seeAllClickedCb(void *, Evas_Object *, void *) {

@@ -21,6 +21,7 @@ protected:
 private:
     Evas_Object *_createBody(Evas_Object *parent);
     static char *_descriptionCb(void *data, Evas_Object *obj);
+    static void _bodyDelCb(void *data, Evas *evas, Evas_Object *layout, void *eventInfo);
     static void _seeAllClickedCb(void *data, Evas_Object *obj, void *eventInfo);
 
     Evas_Object *_textAccessObject;
