@@ -208,8 +208,7 @@ void Driver::_run(const Line &line) {
         if (_tap(line, arg))
             return;  // continues on its own
     } else if (command == "press") {
-        if (_press(line, arg))
-            done(kSettle * 2);
+        _press(line, arg);  // continues on its own
     } else if (command == "back") {
         _feedKey("Escape");
         done(kSettle * 2);
@@ -351,10 +350,58 @@ bool Driver::_press(const Line &line, const std::string &arg) {
         _fail(line, "no such popup button (there are: " + names + ")");
         return false;
     }
+    _pressWhenVisible(line, target, 20);
+    return true;
+}
+
+bool Driver::_visibleAt(Evas_Object *target, int *cx, int *cy) {
     int x, y, w, h;
     evas_object_geometry_get(target, &x, &y, &w, &h);
-    _feedClick(x + w / 2, y + h / 2);
-    return true;
+    *cx = x + w / 2;
+    *cy = y + h / 2;
+    // What a finger at the centre would touch: the top-most object there that takes touches
+    // must be the button or a part of it.
+    Eina_List *hits = evas_tree_objects_at_xy_get(evas_object_evas_get(target), nullptr, *cx, *cy);
+    Evas_Object *top = nullptr;
+    Eina_List *l;
+    void *data;
+    EINA_LIST_FOREACH(hits, l, data) {
+        auto *obj = static_cast<Evas_Object *>(data);
+        if (!evas_object_pass_events_get(obj) && !evas_object_repeat_events_get(obj)) {
+            top = obj;
+            break;
+        }
+    }
+    eina_list_free(hits);
+    for (; top; top = evas_object_smart_parent_get(top))
+        if (top == target)
+            return true;
+    return false;
+}
+
+void Driver::_pressWhenVisible(const Line &line, Evas_Object *target, int turnsLeft) {
+    int x, y;
+    if (_visibleAt(target, &x, &y)) {
+        _feedClick(x, y);
+        _busy = false;
+        _scheduleNext(kSettle * 2);
+        return;
+    }
+    if (turnsLeft == 0) {
+        _fail(line, "the button cannot be brought into view");
+        return;
+    }
+    // A person turns the bezel until the button shows.
+    _feedKey("Next");
+    _after(0.35, [this, line, target, turnsLeft]() {
+        for (auto &button : _reader.popupButtons()) {
+            if (button.first == target) {
+                _pressWhenVisible(line, target, turnsLeft - 1);
+                return;
+            }
+        }
+        _fail(line, "the button went away");
+    });
 }
 
 void Driver::_feedKey(const char *key) {

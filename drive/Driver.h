@@ -52,6 +52,8 @@ private:
 
     bool _tap(const Line &line, const std::string &arg);
     bool _press(const Line &line, const std::string &arg);
+    bool _visibleAt(Evas_Object *target, int *cx, int *cy);
+    void _pressWhenVisible(const Line &line, Evas_Object *target, int turnsLeft);
     void _feedKey(const char *key);
     void _feedClick(int x, int y);
     bool _shot(const std::string &path, std::string *error);

@@ -54,6 +54,24 @@ Evas_Object *findByType(Evas_Object *obj, const char *type, int depth = 0) {
     return found;
 }
 
+void collectByType(Evas_Object *obj, const char *type, std::vector<Evas_Object *> *found,
+                   int depth = 0) {
+    if (!obj || depth > 10)
+        return;
+    if (isType(obj, type)) {
+        found->push_back(obj);
+        return;
+    }
+    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
+        return;
+    Eina_List *children = evas_object_smart_members_get(obj);
+    Eina_List *l;
+    void *child;
+    EINA_LIST_FOREACH(children, l, child)
+    collectByType(static_cast<Evas_Object *>(child), type, found, depth + 1);
+    eina_list_free(children);
+}
+
 json textOrNull(const char *text) {
     return text ? json(std::string(text)) : json(nullptr);
 }
@@ -154,7 +172,12 @@ std::vector<std::pair<Evas_Object *, std::string>> ScreenReader::popupButtons() 
     WPopupController *popup = topPopup();
     if (!popup)
         return buttons;
-    for (Evas_Object *button : popup->getButtons()) {
+    // Buttons inside the popup's content come first, as they are read.
+    std::vector<Evas_Object *> objects;
+    collectByType(popup->getContentObject(), "elm_button", &objects);
+    for (Evas_Object *button : popup->getButtons())
+        objects.push_back(button);
+    for (Evas_Object *button : objects) {
         std::string label = plain(elm_object_text_get(button));
         if (label.empty()) {
             // Icon buttons are known by their accessibility name.

@@ -159,10 +159,11 @@ void scrollCb(void *data, Evas_Object *, void *) {
     updateBar(static_cast<CircleObject *>(data));
 }
 
-void circleBarDeleteJob(void *data) { evas_object_del(static_cast<Evas_Object *>(data)); }
+void circleBarDeleteJob(void *data) {
+    evas_object_del(static_cast<Evas_Object *>(data));
+}
 
-void circleTargetDelCb(void *data, Evas *, Evas_Object *, void *)
-{
+void circleTargetDelCb(void *data, Evas *, Evas_Object *, void *) {
     auto *circle = static_cast<CircleObject *>(data);
     circle->target = nullptr;
     if (circle->bar) {
@@ -239,11 +240,34 @@ void rotateGenlist(CircleObject *circle, bool clockwise) {
     elm_genlist_item_bring_in(next, ELM_GENLIST_ITEM_SCROLLTO_MIDDLE);
 }
 
+struct ScrollTarget {
+    int y;
+    double time;
+};
+
+void scrollTargetFree(void *data, Evas *, Evas_Object *, void *) {
+    delete static_cast<ScrollTarget *>(data);
+}
+
 void rotateScroller(Evas_Object *scroller, bool clockwise) {
-    Evas_Coord x = 0, y = 0, w = 0, h = 0;
+    // One detent scrolls a third of the view; quick detents add up.
+    const char *const key = "_eext_scroll_target";
+    auto *target = static_cast<ScrollTarget *>(evas_object_data_get(scroller, key));
+    if (!target) {
+        target = new ScrollTarget{0, 0};
+        evas_object_data_set(scroller, key, target);
+        evas_object_event_callback_add(scroller, EVAS_CALLBACK_DEL, scrollTargetFree, target);
+    }
+    Evas_Coord x = 0, y = 0, w = 0, h = 0, cw = 0, ch = 0;
     elm_interface_scrollable_content_region_get(scroller, &x, &y, &w, &h);
-    int step = std::max(40, h / 4);
-    elm_interface_scrollable_region_bring_in(scroller, x, clockwise ? y + step : y - step, w, h);
+    elm_interface_scrollable_content_size_get(scroller, &cw, &ch);
+    double now = ecore_time_get();
+    int from = now - target->time < 0.5 ? target->y : y;
+    int step = std::max(40, h / 3);
+    int to = std::clamp(clockwise ? from + step : from - step, 0, std::max(0, ch - h));
+    target->y = to;
+    target->time = now;
+    elm_interface_scrollable_region_bring_in(scroller, x, to, w, h);
 }
 
 Evas_Object *findScroller(Evas_Object *obj, int depth = 0) {
