@@ -98,9 +98,10 @@ TEST(AboutListE2E, PolicyRestrictsDebuggingAndALiveChangeReachesTheOpenList) {
 
 TEST(AboutListE2E, ConsentIsGivenThroughTheLegalTextAndWithdrawnDirectly) {
     SimulatedWatch watch("default");
-    auto run = watch.drive(
-        "tap " + kConsent + "\ndump\npress MIDS_QAPPS_BUTTON_SEE_ALL\ndump\npress OK\ndump\n"
-        "tap " + kConsent + "\ndump\n");
+    auto run = watch.drive("tap " + kConsent +
+                           "\ndump\npress MIDS_QAPPS_BUTTON_SEE_ALL\ndump\npress OK\ndump\n"
+                           "tap " +
+                           kConsent + "\ndump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
     ASSERT_EQ(run.dumps.size(), 4u);
     const json &popup = run.dumps[0]["popup"];

@@ -127,9 +127,9 @@ TEST_F(PlatformTest, SystemInformationComesFromTheProfileByNamespace) {
     EXPECT_STREQ(model, "QX-R925");
     free(model);
     int phase = 0;
-    EXPECT_EQ(system_info_get_custom_int("http://developer.nerova.com/tizen/feature/esim.phase",
-                                         &phase),
-              SYSTEM_INFO_ERROR_NONE);
+    EXPECT_EQ(
+        system_info_get_custom_int("http://developer.nerova.com/tizen/feature/esim.phase", &phase),
+        SYSTEM_INFO_ERROR_NONE);
     EXPECT_EQ(phase, 1);
     // Wrong namespace, wrong type, missing key.
     EXPECT_EQ(system_info_get_custom_int("http://tizen.org/tizen/feature/esim.phase", &phase),
@@ -142,7 +142,8 @@ TEST_F(PlatformTest, SystemInformationComesFromTheProfileByNamespace) {
 }
 
 TEST_F(PlatformTest, AFaultFailsTheNamedCallOnlyForItsKey) {
-    writeProfile(R"({"faults": [{"call": "vconf_get_int", "key": "db/test/faulty", "code": -13}]})");
+    writeProfile(
+        R"({"faults": [{"call": "vconf_get_int", "key": "db/test/faulty", "code": -13}]})");
     ASSERT_EQ(vconf_set_int("db/test/faulty", 1), VCONF_OK);
     ASSERT_EQ(vconf_set_int("db/test/fine", 1), VCONF_OK);
     int value = 0;
@@ -154,7 +155,8 @@ TEST(ProfileTest, ErrorsNameTheFileAndThePlace) {
     sim::Profile profile;
     std::string error;
     EXPECT_FALSE(profile.parse("{\n  \"storage\": {\"block_size\": -1}\n}", "p.json", &error));
-    EXPECT_EQ(error, "p.json: storage.block_size: expected a non-negative integer, found number -1");
+    EXPECT_EQ(error,
+              "p.json: storage.block_size: expected a non-negative integer, found number -1");
     EXPECT_FALSE(profile.parse("{\"faults\": [{\"call\": \"x\"}]}", "p.json", &error));
     EXPECT_NE(error.find("faults[0].code"), std::string::npos) << error;
     EXPECT_FALSE(profile.parse("{\n\"a\": tru\n}", "p.json", &error));

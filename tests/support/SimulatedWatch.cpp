@@ -42,7 +42,9 @@ std::vector<nlohmann::json> jsonLines(const std::string &text) {
 
 }  // namespace
 
-std::string SimulatedWatch::binDir() { return sim::dataDir() + "/bin"; }
+std::string SimulatedWatch::binDir() {
+    return sim::dataDir() + "/bin";
+}
 
 SimulatedWatch::SimulatedWatch(const std::string &profile) {
     char tmpl[] = "/tmp/quillset-e2e-XXXXXX";
@@ -68,10 +70,10 @@ SimulatedWatch::Result SimulatedWatch::drive(const std::string &script) {
     std::ofstream(scriptPath) << script;
     std::string out = _state + "-out.txt", err = _state + "-err.txt";
     // The watch keeps no bus in the environment of the test itself.
-    std::string cmd = "env -u DBUS_SYSTEM_BUS_ADDRESS -u QUILLSET_STATE " + quote(binDir() + "/quillset-sim") +
-                      " run --profile " + quote(_profile) + " --state " + quote(_state) +
-                      " -- quillset-drive --script " + quote(scriptPath) + " >" + quote(out) +
-                      " 2>" + quote(err);
+    std::string cmd = "env -u DBUS_SYSTEM_BUS_ADDRESS -u QUILLSET_STATE " +
+                      quote(binDir() + "/quillset-sim") + " run --profile " + quote(_profile) +
+                      " --state " + quote(_state) + " -- quillset-drive --script " +
+                      quote(scriptPath) + " >" + quote(out) + " 2>" + quote(err);
     Result result;
     int status = system(cmd.c_str());
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -85,8 +87,9 @@ SimulatedWatch::Result SimulatedWatch::drive(const std::string &script) {
 
 std::string SimulatedWatch::sim(const std::string &args, int *status) {
     std::string out = _state + "-sim.txt";
-    std::string cmd = "env -u DBUS_SYSTEM_BUS_ADDRESS -u QUILLSET_STATE " + quote(binDir() + "/quillset-sim") +
-                      " --state " + quote(_state) + " " + args + " >" + quote(out) + " 2>&1";
+    std::string cmd = "env -u DBUS_SYSTEM_BUS_ADDRESS -u QUILLSET_STATE " +
+                      quote(binDir() + "/quillset-sim") + " --state " + quote(_state) + " " + args +
+                      " >" + quote(out) + " 2>&1";
     int rc = system(cmd.c_str());
     if (status)
         *status = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
@@ -95,11 +98,17 @@ std::string SimulatedWatch::sim(const std::string &args, int *status) {
     return text;
 }
 
-std::vector<nlohmann::json> SimulatedWatch::usage() { return jsonLines(sim("usage")); }
+std::vector<nlohmann::json> SimulatedWatch::usage() {
+    return jsonLines(sim("usage"));
+}
 
-std::vector<nlohmann::json> SimulatedWatch::launches() { return jsonLines(sim("launches")); }
+std::vector<nlohmann::json> SimulatedWatch::launches() {
+    return jsonLines(sim("launches"));
+}
 
-std::string SimulatedWatch::platformLog() { return readAll(_state + "/platform.log"); }
+std::string SimulatedWatch::platformLog() {
+    return readAll(_state + "/platform.log");
+}
 
 std::vector<std::string> rowLabels(const nlohmann::json &dump) {
     std::vector<std::string> labels;

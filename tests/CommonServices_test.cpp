@@ -1,0 +1,217 @@
+// Services shared by the settings suite: the circle surface, the launcher, the usage logger's
+// status report and the info model's policy answers.
+
+#include <app_control.h>
+#include <gtest/gtest.h>
+#include <vconf.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "PlatformState.h"
+#include "StAppControlLauncher.h"
+#include "StCircleSurfaceManager.h"
+#include "StInfoModel.h"
+#include "StLogManager.h"
+#include "UsageDb.h"
+#include "support/EflTestEnvironment.h"
+
+namespace {
+
+void writeProfile(const std::string &json) {
+    std::ofstream(EflTestEnvironment::stateDir() + "/profile.json") << json;
+    platform::reloadProfile();
+}
+
+std::vector<nlohmann::json> rows(bool journal) {
+    sim::UsageDb db;
+    std::string error;
+    std::vector<nlohmann::json> out;
+    EXPECT_TRUE(db.open(EflTestEnvironment::stateDir(), &error)) << error;
+    journal ? db.listJournal(&out, &error) : db.listUsage(&out, &error);
+    return out;
+}
+
+app_control_h request(const char *appId) {
+    app_control_h handle = nullptr;
+    app_control_create(&handle);
+    app_control_set_app_id(handle, appId);
+    return handle;
+}
+
+// Status records as "feature extra value" lines.
+std::vector<std::string> statusRecords() {
+    std::vector<std::string> out;
+    for (const auto &row : rows(false)) {
+        if (row.value("uri", "").find("report_app_status_survey") == std::string::npos)
+            continue;
+        out.push_back(row.value("feature", "") + " " + row.value("extra", "-") + " " +
+                      row.value("value", "-") +
+                      (row.value("app_id", "") == "com.nerova.quillset" ? "" : " (watch face)"));
+    }
+    return out;
+}
+
+}  // namespace
+
+class CommonServicesTest : public EflTest {
+protected:
+    void TearDown() override {
+        StAppControlLauncher::destroy();
+        writeProfile("{}");
+        EflTest::TearDown();
+    }
+};
+
+TEST_F(CommonServicesTest, CircleSurfaceIsMadeOnceAndOnlyOnSupportedContainers) {
+    StCircleSurfaceManager::destroy();
+    StCircleSurfaceManager *manager = StCircleSurfaceManager::getInstance();
+    EXPECT_EQ(manager->getCircleSurface(), nullptr);
+    manager->addCircleSurface(elm_box_add(_win));
+    EXPECT_EQ(manager->getCircleSurface(), nullptr);
+    EXPECT_EQ(logSinceStart().find("objectType error"), std::string::npos);
+
+    manager->addCircleSurface(elm_naviframe_add(_win));
+    Eext_Circle_Surface *surface = manager->getCircleSurface();
+    EXPECT_NE(surface, nullptr);
+    manager->addCircleSurface(elm_layout_add(_win));
+    EXPECT_EQ(manager->getCircleSurface(), surface);
+    EXPECT_NE(logSinceStart().find("circleSurface is already created"), std::string::npos);
+
+    StCircleSurfaceManager::destroy();
+    StCircleSurfaceManager::destroy();
+    EXPECT_EQ(StCircleSurfaceManager::getInstance()->getCircleSurface(), nullptr);
+}
+
+TEST_F(CommonServicesTest, LauncherBlocksTouchesUntilTheTimeOut) {
+    Evas_Object *list = elm_genlist_add(_win);
+    StAppControlLauncher *launcher = StAppControlLauncher::getInstance();
+    ASSERT_TRUE(launcher->sendLaunchRequest(request("com.nerova.quillset.reset"), nullptr, nullptr,
+                                            list, 0.2));
+    EXPECT_TRUE(launcher->isUiBlocked());
+    EXPECT_TRUE(evas_object_freeze_events_get(list));
+    settle(0.3);
+    EXPECT_FALSE(launcher->isUiBlocked());
+    EXPECT_FALSE(evas_object_freeze_events_get(list));
+}
+
+TEST_F(CommonServicesTest, NextLaunchEndsThePreviousOneFirst) {
+    StAppControlLauncher *launcher = StAppControlLauncher::getInstance();
+    ASSERT_TRUE(launcher->sendLaunchRequest(request("app.one"), nullptr, nullptr, nullptr, 1.0));
+    EXPECT_FALSE(launcher->isUiBlocked());
+    ASSERT_TRUE(launcher->sendLaunchRequest(request("app.two"), nullptr, nullptr, nullptr, 1.0));
+    auto journal = rows(true);
+    ASSERT_EQ(journal.size(), 3u);
+    EXPECT_EQ(journal[1]["request"], "terminate");
+    EXPECT_EQ(journal[1]["app_id"], "app.one");
+    EXPECT_EQ(journal[2]["app_id"], "app.two");
+}
+
+TEST_F(CommonServicesTest, RefusedLaunchIsLoggedAndNeverTerminated) {
+    writeProfile(R"({"faults": [{"call": "app_control_send_launch_request",
+                                 "key": "app.broken", "code": -289}]})");
+    StAppControlLauncher *launcher = StAppControlLauncher::getInstance();
+    EXPECT_FALSE(
+        launcher->sendLaunchRequest(request("app.broken"), nullptr, nullptr, nullptr, 1.0));
+    EXPECT_NE(logSinceStart().find("app_control ret error code= -289"), std::string::npos);
+    ASSERT_TRUE(launcher->sendLaunchRequest(request("app.fine"), nullptr, nullptr, nullptr, 1.0));
+    for (const auto &row : rows(true))
+        EXPECT_NE(row["request"], "terminate");
+}
+
+TEST_F(CommonServicesTest, DeletingTheBlockedListCancelsTheTimeOut) {
+    Evas_Object *list = elm_genlist_add(_win);
+    StAppControlLauncher *launcher = StAppControlLauncher::getInstance();
+    launcher->sendLaunchRequest(request("app.one"), nullptr, nullptr, list, 0.1);
+    evas_object_del(list);
+    settle(0.2);  // the time-out must not reach the deleted list
+    EXPECT_FALSE(launcher->isUiBlocked());
+    launcher->unblockUi();
+}
+
+TEST_F(CommonServicesTest, StatusReportFollowsTheWatchSettings) {
+    writeProfile(R"({"media": {"/opt/usr/data/settings/Ringtones/Dawn.ogg": {"title": "Dawn"}},
+                     "preferences": {"DND_SCHEDULE_ENABLED": true}})");
+    vconf_set_int("db/setting/Brightness", 96);
+    vconf_set_int("db/setting/lcd_backlight_normal", 15);
+    vconf_set_bool("db/setting/sound/sound_on", 0);
+    vconf_set_bool("db/setting/sound/vibration_on", 0);
+    vconf_set_int("db/setup_wizard/standalone", 1);
+    vconf_set_int("db/smack/spd_auto_update_status", 1);
+    vconf_set_int("db/smack/spd_wifi_only_status", 1);
+    vconf_set_str("db/setting/sound/call/ringtone_path",
+                  "/opt/usr/data/settings/Ringtones/Dawn.ogg");
+    vconf_set_int("db/setting/watch_order_setting", 2);
+    StLogManager::getInstance()->logStatusAll();
+    std::vector<std::string> records = statusRecords();
+    std::vector<std::string> expected = {
+        "S004 10 -",   "ST30 15 -",        "ST31 - 0",    "ST41 - 0", "S032 - 0",
+        "ST50 Dawn -", "ST51 Mute -",      "ST61 - 0",    "ST62 - 0", "ST65 - 0",
+        "ST66 - 0",    "S002 - 0",         "S007 - -",    "S014 - 0", "S015 sort by custom -",
+        "S121 - 1000", "S122 - WiFi only", "S016 - 1000", "S036 - 0", "S036 - Custom (watch face)"};
+    EXPECT_EQ(records, expected);
+}
+
+TEST_F(CommonServicesTest, BrightnessLevelsAndSkippedRecords) {
+    struct Case {
+        int brightness;
+        const char *level;
+    };
+    for (Case c : {Case{0, "1"}, Case{1, "1"}, Case{20, "2"}, Case{21, "3"}, Case{95, "9"},
+                   Case{100, "10"}, Case{101, "1"}}) {
+        vconf_set_int("db/setting/Brightness", c.brightness);
+        vconf_set_bool("db/setting/sound/sound_on", 1);
+        vconf_set_bool("db/setting/sound/vibration_on", 1);
+        vconf_set_str("db/setting/sound/call/ringtone_path", "/home/user/song.ogg");
+        vconf_set_int("db/smack/spd_auto_update_status", 0);
+        size_t before = statusRecords().size();
+        StLogManager::getInstance()->logStatusAll();
+        std::vector<std::string> records = statusRecords();
+        records.erase(records.begin(), records.begin() + before);
+        EXPECT_EQ(records[0], std::string("S004 ") + c.level + " -") << c.brightness;
+        for (const std::string &record : records) {
+            // Both sound and vibration on, a ringtone from elsewhere, auto update off.
+            EXPECT_NE(record.rfind("ST51", 0), 0u);
+            EXPECT_NE(record.rfind("ST50", 0), 0u);
+            EXPECT_NE(record.rfind("S122", 0), 0u);
+        }
+    }
+}
+
+TEST_F(CommonServicesTest, UsageRecordsNeedAFeature) {
+    StLogManager::getInstance()->log(ST_LOG_URI_FEATURE_SURVEY, nullptr, nullptr, nullptr);
+    StLogManager::getInstance()->log(ST_LOG_URI_FEATURE_SURVEY, "S003", nullptr, nullptr);
+    auto usage = rows(false);
+    ASSERT_EQ(usage.size(), 1u);
+    EXPECT_EQ(usage[0]["feature"], "S003");
+    EXPECT_FALSE(usage[0].contains("extra"));
+}
+
+TEST_F(CommonServicesTest, DebuggingPolicyAnswers) {
+    StInfoModel *model = StInfoModel::getInstance();
+    writeProfile(R"({"policy": {"allow_usb_debugging": -1, "change_allowed": false}})");
+    EXPECT_FALSE(model->isUsbDebuggingMenuRestricted());
+    EXPECT_TRUE(model->isUsbDebuggingChangeRestricted());
+    writeProfile(R"({"policy": {"allow_usb_debugging": 1}})");
+    EXPECT_TRUE(model->isUsbDebuggingMenuRestricted());
+    EXPECT_FALSE(model->isUsbDebuggingChangeRestricted());
+    writeProfile(R"({"policy": {"service": false}})");
+    EXPECT_FALSE(model->isUsbDebuggingMenuRestricted());
+    EXPECT_NE(logSinceStart().find("[MDM] mdm_get_service failed"), std::string::npos);
+}
+
+TEST_F(CommonServicesTest, ModelNumberGainsTheCarrierLetterOnlyForItsModel) {
+    StInfoModel *model = StInfoModel::getInstance();
+    struct Case {
+        const char *model, *salesCode, *shown;
+    };
+    for (Case c : {Case{"QX-M480", "SKO", "QX-M480S"}, Case{"QX-M480", "LUC", "QX-M480L"},
+                   Case{"QX-M480", "", "QX-M480"}, Case{"QX-M480", "XEU", "QX-M480"},
+                   Case{"QX-R925", "KTO", "QX-R925"}}) {
+        writeProfile(std::string(R"({"system_info": {"platform": {"system/model_name": ")") +
+                     c.model + "\"}}}");
+        vconf_set_str("db/csc/salescode", c.salesCode);
+        EXPECT_EQ(model->getSystemInfoModel(), c.shown) << c.model << " " << c.salesCode;
+    }
+}
