@@ -1,5 +1,6 @@
 #include "WWindowController.h"
 
+#include <Ecore_X.h>
 #include <app.h>
 
 #include "WDefine.h"
@@ -65,6 +66,10 @@ bool WWindowController::create() {
     evas_object_event_callback_add(_win, EVAS_CALLBACK_DEL, _winDelCb, this);
     evas_object_smart_callback_add(_win, "delete,request", _deleteRequestCb, this);
     evas_object_show(_win);
+    // Without a window manager an X window stays withdrawn and the toolkit never draws it;
+    // say it is a normal window, as a window manager would.
+    if (Ecore_X_Window xwin = elm_win_xwindow_get(_win))
+        ecore_x_icccm_state_set(xwin, ECORE_X_WINDOW_STATE_HINT_NORMAL);
     _fitTimer = ecore_timer_add(0.0, _fitToScreenCb, this);
     return true;
 }
