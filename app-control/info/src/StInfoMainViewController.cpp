@@ -14,6 +14,7 @@
 #include "StInfoGroupIndexItem.h"
 #include "StInfoMenuItem.h"
 #include "StInfoModel.h"
+#include "StInfoPopupUtils.h"
 #include "StInfoReportDiagnosticItem.h"
 #include "StInfoReportDiagnosticPopupController.h"
 #include "StInfoTitleItem.h"
@@ -187,6 +188,8 @@ void StInfoMainViewController::_createRestrictedPopup() {
     auto *popup = new app_assist::WPopupController();
     popup->setTextTranslatable(ST_INFO_TEXT_DOMAIN);
     popup->setContent("IDS_ST_TPOP_SECURITY_POLICY_RESTRICTS_CHANGING_SETTINGS");
+    // The round popup look, like the other popups of the list.
+    popup->setOnAddProperties(setCirclePopupProperties);
     Evas_Object *circleGenlist = _circleGenlist;
     auto close = [circleGenlist](bool *destroyPopup) {
         eext_rotary_object_event_activated_set(circleGenlist, EINA_TRUE);
