@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "PlatformState.h"
+
 struct _bundle_t {
     std::vector<std::pair<std::string, std::string>> pairs;
 };
@@ -26,6 +28,9 @@ int bundle_free(bundle *b) {
 int bundle_add_str(bundle *b, const char *key, const char *str) {
     if (!b || !key || !*key || !str)
         return BUNDLE_ERROR_INVALID_PARAMETER;
+    int code;
+    if (platform::fault(__func__, key, &code))
+        return code;
     for (const auto &pair : b->pairs)
         if (pair.first == key)
             return BUNDLE_ERROR_KEY_EXISTS;

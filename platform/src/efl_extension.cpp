@@ -14,6 +14,8 @@
 #include <cmath>
 #include <vector>
 
+#include "PlatformState.h"
+
 namespace {
 
 const char *const kTag = "EFL_EXTENSION";
@@ -63,6 +65,8 @@ void surfaceContainerDelCb(void *data, Evas *, Evas_Object *, void *) {
 }
 
 Eext_Circle_Surface *surfaceAdd(Evas_Object *container) {
+    if (platform::fault("eext_circle_surface_add", nullptr, nullptr))
+        return nullptr;
     if (!container) {
         dlog_print(DLOG_ERROR, kTag, "circle surface: no container");
         return nullptr;
@@ -188,6 +192,10 @@ void circleBarDelCb(void *data, Evas *, Evas_Object *obj, void *) {
 }
 
 Evas_Object *circleAdd(Evas_Object *target, CircleKind kind) {
+    if (platform::fault(kind == CircleKind::Genlist ? "eext_circle_object_genlist_add"
+                                                    : "eext_circle_object_scroller_add",
+                        nullptr, nullptr))
+        return nullptr;
     if (!target) {
         dlog_print(DLOG_ERROR, kTag, "circle object: no target");
         return nullptr;
@@ -415,7 +423,7 @@ void eext_circle_object_scroller_policy_set(Evas_Object *obj, Elm_Scroller_Polic
 }
 
 Eina_Bool eext_rotary_object_event_activated_set(Evas_Object *obj, Eina_Bool activated) {
-    if (!obj)
+    if (!obj || platform::fault(__func__, nullptr, nullptr))
         return EINA_FALSE;
     if (activated) {
         g_rotaryObject = obj;

@@ -13,6 +13,8 @@
 #include <map>
 #include <string>
 
+#include "PlatformState.h"
+
 namespace {
 
 const char *const kTag = "UXT";
@@ -149,6 +151,8 @@ Uxt_Theme_Color_Table *uxt_theme_add_color_table(const char *file_path) {
         dlog_print(DLOG_ERROR, kTag, "colour table: no path");
         return nullptr;
     }
+    if (platform::fault(__func__, file_path, nullptr))
+        return nullptr;
     Eina_File *file = eina_file_open(file_path, EINA_FALSE);
     if (!file) {
         dlog_print(DLOG_ERROR, kTag, "colour table %s cannot be opened", file_path);
@@ -240,7 +244,7 @@ void uxt_genlist_set_bottom_margin_enabled(Evas_Object *genlist, bool enabled)
 }
 
 void uxt_popup_set_rotary_event_enabled(Evas_Object *popup, bool enabled) {
-    if (!popup)
+    if (!popup || platform::fault(__func__, nullptr, nullptr))
         return;
     eext_rotary_object_event_activated_set(popup, enabled ? EINA_TRUE : EINA_FALSE);
 }
