@@ -1,0 +1,150 @@
+// List rows: what each kind shows, how taps reach their actions, and the switch rows that
+// follow the settings they show.
+
+#include <gtest/gtest.h>
+#include <vconf.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "StInfoGeneralMenuItem.h"
+#include "StInfoGroupIndexItem.h"
+#include "StInfoMenuItem.h"
+#include "StInfoTitleItem.h"
+#include "StInfoUSBDebugItem.h"
+#include "StSubTextDecorationItem.h"
+#include "support/EflTestEnvironment.h"
+
+namespace {
+
+std::string textOf(Elm_Object_Item *item, const char *part) {
+    const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
+    char *text =
+        itc->func.text_get(elm_object_item_data_get(item), elm_object_item_widget_get(item), part);
+    std::string out = text ? text : "(none)";
+    free(text);
+    return out;
+}
+
+}  // namespace
+
+class RowsTest : public EflTest {
+protected:
+    void SetUp() override {
+        EflTest::SetUp();
+        _list = elm_genlist_add(_win);
+        evas_object_size_hint_weight_set(_list, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
+        elm_win_resize_object_add(_win, _list);
+        evas_object_show(_list);
+    }
+
+    template <typename Row>
+    Elm_Object_Item *append(Row *row, bool selectable = true) {
+        Elm_Genlist_Item_Class *itc = row->getItemClassStatic();
+        bool shared = itc != nullptr;
+        if (!itc)
+            itc = row->getItemClassNew();
+        Elm_Object_Item *item = elm_genlist_item_append(
+            _list, itc, row, nullptr, ELM_GENLIST_ITEM_NONE,
+            selectable ? app_assist::WGenlistItem::getSelectCb() : nullptr, row);
+        if (!shared)
+            elm_genlist_item_class_free(itc);
+        row->setElmObjectItem(item);
+        return item;
+    }
+
+    Evas_Object *_list = nullptr;
+};
+
+TEST_F(RowsTest, TitleRowShowsItsTitleForEveryPart) {
+    Elm_Object_Item *item = append(new StInfoTitleItem("WDS_ST_BODY_ABOUT_KESTA_ABB"), false);
+    EXPECT_EQ(textOf(item, "elm.text"), "About Kesta");
+    EXPECT_EQ(textOf(item, "elm.text.1"), "About Kesta");
+    EXPECT_STREQ(elm_genlist_item_item_class_get(item)->item_style, "title");
+}
+
+TEST_F(RowsTest, HeadersShareOneClassAndAnswerOnlyTheirLabel) {
+    auto *first = new StInfoGroupIndexItem("WDS_ST_HEADER_LOOKING_FOR_THIS_Q_ABB");
+    auto *second = new StInfoGroupIndexItem("WDS_ST_HEADER_LOOKING_FOR_THIS_Q_ABB");
+    EXPECT_EQ(first->getItemClassStatic(), second->getItemClassStatic());
+    Elm_Object_Item *item = append(first);
+    append(second);
+    EXPECT_EQ(textOf(item, "elm.text"), "Looking for this?");
+    EXPECT_EQ(textOf(item, "elm.text.1"), "(none)");
+}
+
+TEST_F(RowsTest, MenuRowRunsItsActionOnceAndStaysUnhighlighted) {
+    auto *row = new StInfoMenuItem("WDS_ST_BODY_RESET_KESTA_ABB");
+    int runs = 0;
+    row->setOnSelect([&]() { ++runs; });
+    Elm_Object_Item *item = append(row);
+    settle();
+    tapItem(item);
+    EXPECT_EQ(runs, 1);
+    EXPECT_FALSE(elm_genlist_item_selected_get(item));
+
+    // A row without an action only lets go of its highlight.
+    Elm_Object_Item *idle = append(new StInfoMenuItem("WDS_ST_BODY_RESET_KESTA_ABB"));
+    settle();
+    tapItem(idle);
+    EXPECT_FALSE(elm_genlist_item_selected_get(idle));
+}
+
+TEST_F(RowsTest, FactRowsShowTheirLabelAndTheModelValue) {
+    ASSERT_EQ(vconf_set_str("db/csc/salescode", "XEU"), VCONF_OK);
+    Elm_Object_Item *model =
+        append(new StInfoGeneralMenuItem(StInfoGeneralMenuItem::MODEL_NUMBER), false);
+    Elm_Object_Item *other = append(new StInfoGeneralMenuItem(7), false);
+    EXPECT_EQ(textOf(model, "elm.text"), "Model number");
+    // No device profile here: the model cannot be read.
+    EXPECT_EQ(textOf(model, "elm.text.1"), "Unknown");
+    EXPECT_EQ(textOf(other, "elm.text"), "(none)");
+    EXPECT_EQ(textOf(other, "elm.text.1"), "(none)");
+}
+
+TEST_F(RowsTest, SwitchRowFollowsTheSettingAndSpeaksItsState) {
+    ASSERT_EQ(vconf_set_bool("db/setting/debug_mode", 0), VCONF_OK);
+    auto *row = new StInfoUSBDebugItem();
+    int taps = 0;
+    row->setOnSelect([&]() { ++taps; });
+    Elm_Object_Item *item = append(row);
+    settle();
+    EXPECT_EQ(textOf(item, "elm.text"), "Debugging");
+    char *description = elm_atspi_accessible_description_get(item);
+    ASSERT_NE(description, nullptr);
+    EXPECT_STREQ(description, "Switch, Off");
+    free(description);
+
+    Evas_Object *check = elm_object_item_part_content_get(item, "elm.swallow.icon");
+    ASSERT_NE(check, nullptr);
+    EXPECT_FALSE(elm_check_state_get(check));
+    // A tap runs the action; the switch itself does not flip.
+    tapItem(item);
+    EXPECT_EQ(taps, 1);
+    EXPECT_FALSE(elm_check_state_get(check));
+
+    row->setCheckState(true);
+    EXPECT_TRUE(elm_check_state_get(check));
+    ASSERT_EQ(vconf_set_bool("db/setting/debug_mode", 1), VCONF_OK);
+    textOf(item, "elm.text");
+    description = elm_atspi_accessible_description_get(item);
+    EXPECT_STREQ(description, "Switch, On");
+    free(description);
+    EXPECT_EQ(textOf(item, "elm.text.1"), "(none)");
+}
+
+TEST_F(RowsTest, SwitchStateChangeWithoutAVisibleSwitchIsHarmless) {
+    auto *row = new StInfoUSBDebugItem();
+    row->setCheckState(true);  // never realised
+    Elm_Object_Item *item = append(row);
+    settle();
+    elm_genlist_clear(_list);
+    EXPECT_EQ(elm_genlist_items_count(_list), 0u);
+    (void)item;
+}
+
+TEST_F(RowsTest, SubTextDecorationWithoutItsItemDoesNothing) {
+    StSubTextDecorationItem row;
+    row.decorate();
+    EXPECT_EQ(row.getElmObjectItem(), nullptr);
+}
