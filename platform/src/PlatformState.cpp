@@ -59,6 +59,10 @@ const std::string &stateDir() {
     return dir;
 }
 
+bool hasState() {
+    return !stateDir().empty();
+}
+
 const std::string &dataDir() {
     static const std::string dir = sim::dataDir();
     return dir;

@@ -10,15 +10,17 @@
 namespace platform {
 
 // $QUILLSET_STATE; "" (with one clear message on stderr) when the program was not started
-// through `quillset-sim run`.
+// through `quillset-sim run`. Calls backed by the state then fail with an I/O error.
 const std::string &stateDir();
+bool hasState();
 // The build or install tree of the programs.
 const std::string &dataDir();
 
 // The device profile, read once; an empty object when there is none.
 const nlohmann::json &profile();
 
-// True when the profile makes call (optionally for key) fail; code receives its error code.
+// True when the profile's "faults" make call (for any key, or for this key) fail; code
+// receives the error code to answer with. Logs nothing: the stand-in decides what to say.
 bool fault(const char *call, const char *key, int *code);
 
 // Usage database rows; false when the database cannot be written (logged).

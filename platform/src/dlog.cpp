@@ -1,5 +1,5 @@
 // The platform log: one line per message, "HH:MM:SS.mmm P/TAG(PID): message", on stderr and
-// appended to <state>/platform.log.
+// appended to <state>/platform.log. Messages are kept as given, colour codes included.
 
 #include <dlog.h>
 
@@ -7,6 +7,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <string>
@@ -16,15 +17,28 @@
 namespace {
 
 char priorityLetter(log_priority prio) {
-    static const char kLetters[] = "??VDIWEFS";
-    return prio >= DLOG_UNKNOWN && prio <= DLOG_SILENT ? kLetters[prio] : '?';
+    switch (prio) {
+        case DLOG_VERBOSE:
+            return 'V';
+        case DLOG_DEBUG:
+            return 'D';
+        case DLOG_WARN:
+            return 'W';
+        case DLOG_ERROR:
+            return 'E';
+        case DLOG_FATAL:
+            return 'F';
+        default:
+            return 'I';
+    }
 }
 
+// The log file of the current state directory, opened once per directory.
 int logFile() {
-    static int fd = -2;
+    static int fd = -1;
     static std::string openedFor;
     const std::string &dir = platform::stateDir();
-    if (fd == -2 || openedFor != dir) {
+    if (dir != openedFor) {
         if (fd >= 0)
             close(fd);
         openedFor = dir;
@@ -33,6 +47,19 @@ int logFile() {
                                 O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
     }
     return fd;
+}
+
+bool writeAll(int fd, const std::string &text) {
+    size_t done = 0;
+    while (done < text.size()) {
+        ssize_t n = write(fd, text.data() + done, text.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        done += static_cast<size_t>(n);
+    }
+    return true;
 }
 
 }  // namespace
@@ -44,31 +71,36 @@ int dlog_vprint(log_priority prio, const char *tag, const char *fmt, va_list ap)
         return -EINVAL;
     if (prio == DLOG_SILENT)
         return 0;
-    char message[4096];
-    vsnprintf(message, sizeof(message), fmt, ap);
+    va_list copy;
+    va_copy(copy, ap);
+    int length = vsnprintf(nullptr, 0, fmt, copy);
+    va_end(copy);
+    if (length < 0)
+        return -EINVAL;
+    std::string message(static_cast<size_t>(length) + 1, '\0');
+    vsnprintf(&message[0], message.size(), fmt, ap);
+    message.resize(static_cast<size_t>(length));
+    // The line ends here whatever the message ends with.
+    while (!message.empty() && message.back() == '\n')
+        message.pop_back();
 
     struct timeval now;
     gettimeofday(&now, nullptr);
     struct tm local;
     localtime_r(&now.tv_sec, &local);
-    char line[4300];
-    int n = snprintf(line, sizeof(line), "%02d:%02d:%02d.%03ld %c/%s(%d): %s\n", local.tm_hour,
-                     local.tm_min, local.tm_sec, static_cast<long>(now.tv_usec / 1000),
-                     priorityLetter(prio), tag ? tag : "", static_cast<int>(getpid()), message);
-    if (n < 0)
-        return -EIO;
-    if (n >= static_cast<int>(sizeof(line))) {
-        n = sizeof(line) - 1;
-        line[n - 1] = '\n';
-    }
-    // One write per line keeps lines whole when several processes log at once.
-    if (write(STDERR_FILENO, line, n) < 0) {
-        // Nothing sensible to do when stderr is gone; the log file still gets the line.
-    }
+    char prefix[96];
+    snprintf(prefix, sizeof(prefix), "%02d:%02d:%02d.%03ld %c/", local.tm_hour, local.tm_min,
+             local.tm_sec, static_cast<long>(now.tv_usec / 1000), priorityLetter(prio));
+    std::string line = std::string(prefix) + (tag ? tag : "") + "(" + std::to_string(getpid()) +
+                       "): " + message + "\n";
+
+    // One write per line keeps lines whole when several processes log at once. Nothing can be
+    // done about a closed stderr; the log file still gets the line.
+    writeAll(STDERR_FILENO, line);
     int fd = logFile();
-    if (fd >= 0 && write(fd, line, n) < 0)
+    if (fd < 0 || !writeAll(fd, line))
         return -EIO;
-    return n;
+    return static_cast<int>(line.size());
 }
 
 int dlog_print(log_priority prio, const char *tag, const char *fmt, ...) {

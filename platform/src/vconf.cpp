@@ -1,6 +1,6 @@
 // The settings store (vconf) of the simulated watch, over the state directory's settings
-// files. Changes by any process reach the watchers of this one through inotify, as callbacks
-// on the Ecore main loop.
+// files. A change made by any process reaches the watchers of this one through inotify on the
+// directories of watched keys, as callbacks on the Ecore main loop.
 
 #include <vconf.h>
 
@@ -10,6 +10,7 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -18,6 +19,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "PlatformState.h"
 #include "SettingsStore.h"
@@ -25,7 +27,7 @@
 
 struct _keynode_t {
     std::string name;
-    sim::SettingValue value;
+    sim::SettingValue value;  // type None for a deleted or unreadable key
 };
 
 namespace {
@@ -33,6 +35,7 @@ namespace {
 const char *const kTag = "VCONF";
 
 struct Watch {
+    unsigned long id;
     std::string key;
     vconf_callback_fn callback;
     void *userData;
@@ -42,8 +45,9 @@ struct Watch {
 struct Watcher {
     int fd = -1;
     Ecore_Fd_Handler *handler = nullptr;
-    std::map<int, std::string> dirs;  // inotify watch -> directory
-    std::list<std::unique_ptr<Watch>> watches;
+    std::map<int, std::string> dirs;  // inotify watch descriptor -> directory
+    std::list<Watch> watches;
+    unsigned long nextId = 1;
     int dispatching = 0;
 };
 
@@ -52,18 +56,19 @@ Watcher &watcher() {
     return w;
 }
 
-bool storeFor(sim::SettingsStore **out) {
-    static std::unique_ptr<sim::SettingsStore> store;
-    static std::string root;
+// The store of the current state directory; null (the program was not started on a watch)
+// makes every call fail.
+const sim::SettingsStore *store() {
+    static std::unique_ptr<sim::SettingsStore> current;
+    static std::string currentDir;
     const std::string &dir = platform::stateDir();
     if (dir.empty())
-        return false;
-    if (!store || root != dir) {
-        store = std::make_unique<sim::SettingsStore>(dir);
-        root = dir;
+        return nullptr;
+    if (!current || currentDir != dir) {
+        current = std::make_unique<sim::SettingsStore>(dir);
+        currentDir = dir;
     }
-    *out = store.get();
-    return true;
+    return current.get();
 }
 
 int readValue(const char *call, const char *key, sim::SettingValue::Type type,
@@ -73,11 +78,11 @@ int readValue(const char *call, const char *key, sim::SettingValue::Type type,
     int code;
     if (platform::fault(call, key, &code))
         return code;
-    sim::SettingsStore *store;
-    if (!storeFor(&store))
+    const sim::SettingsStore *settings = store();
+    if (!settings)
         return VCONF_ERROR;
     std::string error;
-    switch (store->read(key, value, &error)) {
+    switch (settings->read(key, value, &error)) {
         case sim::SettingsStore::Ok:
             break;
         case sim::SettingsStore::Missing:
@@ -86,24 +91,28 @@ int readValue(const char *call, const char *key, sim::SettingValue::Type type,
             dlog_print(DLOG_ERROR, kTag, "%s(%s): %s", call, key, error.c_str());
             return VCONF_ERROR;
     }
-    if (value->type != type) {
-        // Reading a key as another type fails, as on the watch.
-        return VCONF_ERROR_WRONG_TYPE;
-    }
-    return VCONF_OK;
+    // Reading a key as another type fails, as on the watch.
+    return value->type == type ? VCONF_OK : VCONF_ERROR_WRONG_TYPE;
 }
 
 int writeValue(const char *call, const char *key, const sim::SettingValue &value) {
-    if (!key)
+    if (!key) {
+        dlog_print(DLOG_ERROR, kTag, "%s: no key", call);
         return VCONF_ERROR;
+    }
     int code;
-    if (platform::fault(call, key, &code))
+    if (platform::fault(call, key, &code)) {
+        dlog_print(DLOG_ERROR, kTag, "%s(%s): failed (injected fault %d)", call, key, code);
         return code;
-    sim::SettingsStore *store;
-    if (!storeFor(&store))
+    }
+    const sim::SettingsStore *settings = store();
+    if (!settings) {
+        dlog_print(DLOG_ERROR, kTag, "%s(%s): no settings store (QUILLSET_STATE is not set)", call,
+                   key);
         return VCONF_ERROR;
+    }
     std::string error;
-    if (store->write(key, value, &error) != sim::SettingsStore::Ok) {
+    if (settings->write(key, value, &error) != sim::SettingsStore::Ok) {
         dlog_print(DLOG_ERROR, kTag, "%s(%s): %s", call, key, error.c_str());
         return VCONF_ERROR;
     }
@@ -112,73 +121,97 @@ int writeValue(const char *call, const char *key, const sim::SettingValue &value
 
 void dispatch(const std::string &key) {
     Watcher &w = watcher();
-    sim::SettingsStore *store;
-    if (!storeFor(&store))
+    const sim::SettingsStore *settings = store();
+    if (!settings)
         return;
     _keynode_t node;
     node.name = key;
     std::string error;
-    if (store->read(key, &node.value, &error) != sim::SettingsStore::Ok)
-        node.value = sim::SettingValue();  // deleted or unreadable: type none
+    sim::SettingsStore::Result result = settings->read(key, &node.value, &error);
+    if (result != sim::SettingsStore::Ok) {
+        node.value = sim::SettingValue();
+        if (result != sim::SettingsStore::Missing)
+            dlog_print(DLOG_ERROR, kTag, "change of %s: %s", key.c_str(), error.c_str());
+    }
+    // Watches added by a callback start with the next change; removed ones are skipped.
+    unsigned long last = w.nextId;
     ++w.dispatching;
-    for (auto &watch : w.watches) {
-        if (!watch->removed && watch->key == key)
-            watch->callback(&node, watch->userData);
+    for (Watch &watch : w.watches) {
+        if (watch.id >= last)
+            break;
+        if (!watch.removed && watch.key == key)
+            watch.callback(&node, watch.userData);
     }
     if (--w.dispatching == 0)
-        w.watches.remove_if([](const std::unique_ptr<Watch> &watch) { return watch->removed; });
+        w.watches.remove_if([](const Watch &watch) { return watch.removed; });
 }
 
 Eina_Bool inotifyCb(void *, Ecore_Fd_Handler *) {
     Watcher &w = watcher();
+    const sim::SettingsStore *settings = store();
+    std::vector<std::string> changed;
     alignas(struct inotify_event) char buffer[16 * (sizeof(struct inotify_event) + NAME_MAX + 1)];
     for (;;) {
         ssize_t n = read(w.fd, buffer, sizeof(buffer));
+        if (n < 0 && errno == EINTR)
+            continue;
         if (n <= 0)
             break;
         for (char *p = buffer; p < buffer + n;) {
             auto *event = reinterpret_cast<struct inotify_event *>(p);
             p += sizeof(struct inotify_event) + event->len;
-            if (!event->len)
-                continue;
             auto dir = w.dirs.find(event->wd);
             if (dir == w.dirs.end())
                 continue;
-            std::string name(event->name);
-            if (name.find(".tmp.") != std::string::npos)
-                continue;  // a write in progress; its rename follows
-            sim::SettingsStore *store;
-            if (!storeFor(&store))
-                return ECORE_CALLBACK_RENEW;
-            std::string path = dir->second + "/" + name;
-            dispatch(path.substr(store->root().size() + 1));
+            if (event->mask & IN_IGNORED) {
+                // The directory went away; a later registration watches it again.
+                w.dirs.erase(dir);
+                continue;
+            }
+            if (!event->len || !settings)
+                continue;
+            // Temporary files of a write in progress are skipped: their rename follows.
+            std::string key = settings->keyOf(dir->second + "/" + event->name);
+            if (!key.empty() && std::find(changed.begin(), changed.end(), key) == changed.end())
+                changed.push_back(key);
         }
     }
+    for (const std::string &key : changed)
+        dispatch(key);
     return ECORE_CALLBACK_RENEW;
 }
 
 bool watchDirectory(const std::string &dir) {
     Watcher &w = watcher();
-    if (w.fd < 0) {
-        w.fd = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-        if (w.fd < 0) {
-            dlog_print(DLOG_ERROR, kTag, "inotify_init1: %s", strerror(errno));
-            return false;
-        }
-        w.handler =
-            ecore_main_fd_handler_add(w.fd, ECORE_FD_READ, inotifyCb, nullptr, nullptr, nullptr);
-    }
     for (auto &entry : w.dirs)
         if (entry.second == dir)
             return true;
+    if (w.fd < 0) {
+        int fd = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        if (fd < 0) {
+            dlog_print(DLOG_ERROR, kTag, "%s", sim::sysError("inotify_init1", "", errno).c_str());
+            return false;
+        }
+        w.handler =
+            ecore_main_fd_handler_add(fd, ECORE_FD_READ, inotifyCb, nullptr, nullptr, nullptr);
+        if (!w.handler) {
+            dlog_print(DLOG_ERROR, kTag,
+                       "ecore_main_fd_handler_add failed (is Ecore initialised?): changes will "
+                       "not be reported");
+            close(fd);
+            return false;
+        }
+        w.fd = fd;
+    }
     std::string error;
     if (!sim::makeDirs(dir, &error)) {
         dlog_print(DLOG_ERROR, kTag, "%s", error.c_str());
         return false;
     }
-    int wd = inotify_add_watch(w.fd, dir.c_str(), IN_CLOSE_WRITE | IN_MOVED_TO | IN_DELETE);
+    int wd = inotify_add_watch(w.fd, dir.c_str(),
+                               IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE);
     if (wd < 0) {
-        dlog_print(DLOG_ERROR, kTag, "inotify_add_watch(%s): %s", dir.c_str(), strerror(errno));
+        dlog_print(DLOG_ERROR, kTag, "%s", sim::sysError("inotify_add_watch", dir, errno).c_str());
         return false;
     }
     w.dirs[wd] = dir;
@@ -239,8 +272,10 @@ int vconf_set_dbl(const char *key, double dblval) {
 }
 
 int vconf_set_str(const char *key, const char *strval) {
-    if (!strval)
+    if (!strval) {
+        dlog_print(DLOG_ERROR, kTag, "vconf_set_str(%s): no value", key ? key : "(null)");
         return VCONF_ERROR;
+    }
     return writeValue(__func__, key, sim::SettingValue::ofString(strval));
 }
 
@@ -250,17 +285,17 @@ int vconf_notify_key_changed(const char *key, vconf_callback_fn cb, void *user_d
     int code;
     if (platform::fault(__func__, key, &code))
         return code;
-    sim::SettingsStore *store;
-    if (!storeFor(&store))
+    const sim::SettingsStore *settings = store();
+    if (!settings)
         return VCONF_ERROR;
     Watcher &w = watcher();
-    for (auto &watch : w.watches)
-        if (!watch->removed && watch->key == key && watch->callback == cb)
+    for (const Watch &watch : w.watches)
+        if (!watch.removed && watch.key == key && watch.callback == cb)
             return VCONF_ERROR;
-    std::string path = store->pathOf(key);
+    std::string path = settings->pathOf(key);
     if (!watchDirectory(path.substr(0, path.rfind('/'))))
         return VCONF_ERROR;
-    w.watches.push_back(std::make_unique<Watch>(Watch{key, cb, user_data, false}));
+    w.watches.push_back(Watch{w.nextId++, key, cb, user_data, false});
     return VCONF_OK;
 }
 
@@ -272,10 +307,11 @@ int vconf_ignore_key_changed(const char *key, vconf_callback_fn cb) {
         return code;
     Watcher &w = watcher();
     for (auto it = w.watches.begin(); it != w.watches.end(); ++it) {
-        if ((*it)->removed || (*it)->key != key || (*it)->callback != cb)
+        if (it->removed || it->key != key || it->callback != cb)
             continue;
+        // A callback may remove watches while the list is being walked.
         if (w.dispatching)
-            (*it)->removed = true;
+            it->removed = true;
         else
             w.watches.erase(it);
         return VCONF_OK;

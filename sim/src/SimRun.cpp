@@ -3,8 +3,11 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/stat.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -19,98 +22,10 @@ namespace sim {
 
 namespace {
 
-volatile sig_atomic_t g_stopRequested = 0;
-
-void onStopSignal(int) {
-    g_stopRequested = 1;
-}
-
-void fail(const std::string &message) {
-    fprintf(stderr, "quillset-sim: %s\n", message.c_str());
-}
-
-std::string ownDir() {
-    char path[4096];
-    ssize_t n = readlink("/proc/self/exe", path, sizeof(path) - 1);
-    if (n <= 0)
-        return ".";
-    path[n] = '\0';
-    std::string dir(path);
-    return dir.substr(0, dir.rfind('/'));
-}
-
-bool removeTree(const std::string &path) {
-    std::string cmd = "rm -rf '" + path + "'";
-    return system(cmd.c_str()) == 0;
-}
-
-// Reads one line from fd within timeout seconds.
-bool readLine(int fd, double timeout, std::string *line) {
-    line->clear();
-    int waitedMs = 0;
-    while (waitedMs < timeout * 1000) {
-        struct pollfd p = {fd, POLLIN, 0};
-        int ready = poll(&p, 1, 50);
-        waitedMs += 50;
-        if (ready < 0 && errno == EINTR)
-            continue;
-        if (ready <= 0)
-            continue;
-        char c;
-        ssize_t n = read(fd, &c, 1);
-        if (n <= 0)
-            return false;
-        if (c == '\n')
-            return true;
-        *line += c;
-    }
-    return false;
-}
-
-pid_t spawn(const std::vector<std::string> &args, int keepFd) {
-    pid_t pid = fork();
-    if (pid != 0)
-        return pid;
-    signal(SIGINT, SIG_DFL);
-    signal(SIGTERM, SIG_DFL);
-    std::vector<char *> argv;
-    for (const std::string &arg : args)
-        argv.push_back(const_cast<char *>(arg.c_str()));
-    argv.push_back(nullptr);
-    if (keepFd >= 0)
-        fcntl(keepFd, F_SETFD, 0);
-    execvp(argv[0], argv.data());
-    fprintf(stderr, "quillset-sim: cannot run %s: %s\n", argv[0], strerror(errno));
-    _exit(127);
-}
-
-int waitFor(pid_t pid) {
-    int status = 0;
-    while (waitpid(pid, &status, 0) < 0) {
-        if (errno != EINTR)
-            return 127;
-    }
-    if (WIFEXITED(status))
-        return WEXITSTATUS(status);
-    return 128 + WTERMSIG(status);
-}
-
-void stop(pid_t pid) {
-    if (pid <= 0)
-        return;
-    kill(pid, SIGTERM);
-    for (int i = 0; i < 40; ++i) {
-        if (waitpid(pid, nullptr, WNOHANG) == pid)
-            return;
-        usleep(50000);
-    }
-    kill(pid, SIGKILL);
-    waitpid(pid, nullptr, 0);
-}
-
 const char *const kBusConfig =
     "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
     " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
+    "<!-- The simulated watch's private system bus: anyone may own, send and receive. -->\n"
     "<busconfig>\n"
     "  <type>system</type>\n"
     "  <listen>unix:path=%s</listen>\n"
@@ -129,138 +44,365 @@ const char *const kBusConfig =
     "  </policy>\n"
     "</busconfig>\n";
 
+// Parts of a state directory that --fresh clears; anything else in it is left alone.
+const char *const kStateEntries[] = {"settings",     "profile.json", "usage.db",
+                                     "usage.db-wal", "usage.db-shm", "usage.db-journal",
+                                     "platform.log", "simd.log",     "data"};
+
+volatile sig_atomic_t g_stopSignal = 0;
+// Whether the stop signal was sent by a process (kill) rather than by the terminal, which
+// sends it to the command as well.
+volatile sig_atomic_t g_stopFromProcess = 0;
+
+void onStopSignal(int signal, siginfo_t *info, void *) {
+    g_stopSignal = signal;
+    g_stopFromProcess = info && info->si_code <= 0;
+}
+
+void say(const std::string &message) {
+    fprintf(stderr, "quillset-sim: %s\n", message.c_str());
+}
+
+double now() {
+    struct timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return ts.tv_sec + ts.tv_nsec / 1e9;
+}
+
+// Reads one line from fd; false at end of file, on time-out or when a stop is requested.
+bool readLine(int fd, double timeout, std::string *line) {
+    line->clear();
+    double deadline = now() + timeout;
+    while (!g_stopSignal) {
+        int remaining = static_cast<int>((deadline - now()) * 1000);
+        if (remaining <= 0)
+            return false;
+        struct pollfd p = {fd, POLLIN, 0};
+        int ready = poll(&p, 1, remaining);
+        if (ready < 0 && errno == EINTR)
+            continue;
+        if (ready <= 0)
+            return false;
+        char c;
+        ssize_t n = read(fd, &c, 1);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        if (c == '\n')
+            return true;
+        *line += c;
+    }
+    return false;
+}
+
+struct SpawnOptions {
+    bool daemon = false;     // own process group, ends with quillset-sim
+    int keepFd = -1;         // inherited across exec
+    std::string outputFile;  // stdout and stderr go here when set
+};
+
+pid_t spawn(const std::vector<std::string> &args, const SpawnOptions &options) {
+    // Stop signals wait until the child has dropped our handlers: one forwarded to it in
+    // between would otherwise be swallowed and the command would never stop.
+    sigset_t stopSignals, previous;
+    sigemptyset(&stopSignals);
+    for (int signal : {SIGINT, SIGTERM, SIGHUP})
+        sigaddset(&stopSignals, signal);
+    sigprocmask(SIG_BLOCK, &stopSignals, &previous);
+    pid_t parent = getpid();
+    pid_t pid = fork();
+    if (pid != 0) {
+        int err = errno;
+        sigprocmask(SIG_SETMASK, &previous, nullptr);
+        if (pid < 0)
+            say(sysError("fork", args[0], err));
+        return pid;
+    }
+    if (options.daemon) {
+        // Out of the terminal's process group, so that Ctrl-C reaches the command alone and
+        // the watch stays up while the command shuts down.
+        setpgid(0, 0);
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+        if (getppid() != parent)
+            _exit(1);
+    }
+    struct sigaction action = {};
+    action.sa_handler = SIG_DFL;
+    for (int signal : {SIGINT, SIGTERM, SIGHUP})
+        sigaction(signal, &action, nullptr);
+    sigprocmask(SIG_SETMASK, &previous, nullptr);
+    if (options.keepFd >= 0)
+        fcntl(options.keepFd, F_SETFD, 0);
+    if (!options.outputFile.empty()) {
+        int fd = open(options.outputFile.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+        if (fd >= 0) {
+            dup2(fd, STDOUT_FILENO);
+            dup2(fd, STDERR_FILENO);
+        }
+    }
+    std::vector<char *> argv;
+    for (const std::string &arg : args)
+        argv.push_back(const_cast<char *>(arg.c_str()));
+    argv.push_back(nullptr);
+    execvp(argv[0], argv.data());
+    fprintf(stderr, "quillset-sim: cannot run %s: %s\n", argv[0], strerror(errno));
+    _exit(127);
+}
+
+int exitStatus(int status) {
+    if (WIFEXITED(status))
+        return WEXITSTATUS(status);
+    if (WIFSIGNALED(status))
+        return 128 + WTERMSIG(status);
+    return 1;
+}
+
+// Waits for the command, passing on a stop request that the command did not get itself.
+// Polls rather than blocks, so that a request arriving just before a wait is not missed.
+int waitForCommand(pid_t child) {
+    bool forwarded = false;
+    double killAt = 0;
+    for (;;) {
+        int status = 0;
+        pid_t done = waitpid(child, &status, WNOHANG);
+        if (done == child)
+            return exitStatus(status);
+        if (done < 0 && errno != EINTR)
+            return 127;
+        if (g_stopSignal && !forwarded) {
+            forwarded = true;
+            killAt = now() + 5.0;
+            if (g_stopFromProcess)
+                kill(child, g_stopSignal);
+        }
+        if (forwarded && now() > killAt) {
+            say("the command did not stop; killing it");
+            kill(child, SIGKILL);
+            waitpid(child, &status, 0);
+            return exitStatus(status);
+        }
+        usleep(10000);
+    }
+}
+
+void stop(pid_t *pid) {
+    if (*pid <= 0)
+        return;
+    kill(*pid, SIGTERM);
+    for (int k = 0; k < 100; ++k) {
+        pid_t done = waitpid(*pid, nullptr, WNOHANG);
+        if (done == *pid || (done < 0 && errno == ECHILD)) {
+            *pid = -1;
+            return;
+        }
+        usleep(20000);
+    }
+    kill(*pid, SIGKILL);
+    waitpid(*pid, nullptr, 0);
+    *pid = -1;
+}
+
+// The running watch; its destructor tears everything down, whatever happened before.
+struct Watch {
+    std::string state;
+    bool temporary = false;
+    pid_t bus = -1;
+    pid_t daemon = -1;
+
+    ~Watch() {
+        bool ownsBus = bus > 0;
+        stop(&daemon);
+        stop(&bus);
+        if (state.empty())
+            return;
+        if (ownsBus)
+            unlink((state + "/bus/system.sock").c_str());
+        std::string error;
+        if (temporary && !removeTree(state, &error))
+            say(error);
+    }
+};
+
+bool prepareState(const RunOptions &options, Watch *watch) {
+    std::string &state = watch->state;
+    bool seeded = fileExists(state + "/profile.json");
+    if (seeded && !options.fresh) {
+        if (options.profileGiven)
+            say("warning: " + state + " keeps the profile it was seeded with; --fresh starts " +
+                "it again from " + options.profile);
+        return true;
+    }
+    std::string path = Profile::resolve(options.profile, profilesDir());
+    if (path.empty()) {
+        say("no profile '" + options.profile + "' in " + profilesDir() +
+            " (`quillset-sim profiles` lists them)");
+        return false;
+    }
+    Profile profile;
+    std::string error;
+    if (!profile.load(path, &error)) {
+        say(error);
+        return false;
+    }
+    for (const std::string &warning : profile.warnings())
+        say("warning: " + warning);
+    if (seeded) {
+        for (const char *entry : kStateEntries) {
+            if (!removeTree(state + "/" + entry, &error)) {
+                say(error);
+                return false;
+            }
+        }
+    }
+    if (!profile.seed(state, &error)) {
+        say(error);
+        return false;
+    }
+    return true;
+}
+
+// Whether a bus already answers on the socket (another run of the same watch).
+bool busAnswers(const std::string &socketPath) {
+    struct sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    if (socketPath.size() >= sizeof(address.sun_path))
+        return false;
+    memcpy(address.sun_path, socketPath.c_str(), socketPath.size() + 1);
+    int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (fd < 0)
+        return false;
+    bool answers = connect(fd, reinterpret_cast<struct sockaddr *>(&address), sizeof(address)) == 0;
+    close(fd);
+    return answers;
+}
+
+bool startBus(Watch *watch) {
+    std::string busDir = watch->state + "/bus";
+    std::string error;
+    if (!makeDirs(busDir, &error)) {
+        say(error);
+        return false;
+    }
+    std::string socket = busDir + "/system.sock";
+    std::vector<char> config(strlen(kBusConfig) + socket.size() + 1);
+    snprintf(config.data(), config.size(), kBusConfig, socket.c_str());
+    unlink(socket.c_str());
+    if (!writeFileAtomic(busDir + "/system.conf", config.data(), &error)) {
+        say(error);
+        return false;
+    }
+    int fds[2];
+    if (pipe2(fds, O_CLOEXEC) != 0) {
+        say(sysError("pipe2", "bus address", errno));
+        return false;
+    }
+    SpawnOptions options;
+    options.daemon = true;
+    options.keepFd = fds[1];
+    options.outputFile = busDir + "/dbus-daemon.log";
+    watch->bus = spawn({"dbus-daemon", "--config-file=" + busDir + "/system.conf", "--nofork",
+                        "--nopidfile", "--nosyslog", "--print-address=" + std::to_string(fds[1])},
+                       options);
+    close(fds[1]);
+    std::string address;
+    bool ok = watch->bus > 0 && readLine(fds[0], 5.0, &address) && !address.empty();
+    close(fds[0]);
+    if (!ok) {
+        if (!g_stopSignal)
+            say("the private system bus (dbus-daemon) did not start; see " + options.outputFile);
+        return false;
+    }
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
+    return true;
+}
+
+bool startDaemon(Watch *watch) {
+    int fds[2];
+    if (pipe2(fds, O_CLOEXEC) != 0) {
+        say(sysError("pipe2", "readiness", errno));
+        return false;
+    }
+    SpawnOptions options;
+    options.daemon = true;
+    options.keepFd = fds[1];
+    setenv("QUILLSET_READY_FD", std::to_string(fds[1]).c_str(), 1);
+    watch->daemon = spawn({executableDir() + "/quillset-simd"}, options);
+    unsetenv("QUILLSET_READY_FD");
+    close(fds[1]);
+    std::string line;
+    bool ok = watch->daemon > 0 && readLine(fds[0], 10.0, &line) && line == "ready";
+    close(fds[0]);
+    if (!ok && !g_stopSignal)
+        say("the services daemon (quillset-simd) did not start; see " + watch->state + "/simd.log");
+    return ok;
+}
+
 }  // namespace
 
 int runWatch(const RunOptions &options) {
     if (options.command.empty()) {
-        fail("run needs a command after --");
+        say("run needs a command after --");
         return 2;
     }
-    std::string profileDir = dataDir() + "/profiles";
-    std::string profilePath = Profile::resolve(options.profile, profileDir);
-    if (profilePath.empty()) {
-        fail("no profile '" + options.profile + "' in " + profileDir +
-             " (quillset-sim profiles lists them)");
-        return 2;
-    }
-    Profile profile;
-    std::string error;
-    if (!profile.load(profilePath, &error)) {
-        fail(error);
-        fail("the watch was not started");
-        return 2;
-    }
-    for (const std::string &warning : profile.warnings())
-        fprintf(stderr, "quillset-sim: warning: %s\n", warning.c_str());
+    g_stopSignal = 0;
+    struct sigaction action = {};
+    action.sa_sigaction = onStopSignal;
+    action.sa_flags = SA_SIGINFO;  // no SA_RESTART: waits return to look at the request
+    for (int signal : {SIGINT, SIGTERM, SIGHUP})
+        sigaction(signal, &action, nullptr);
 
-    std::string state = options.stateDir.empty() ? stateDirFromEnv() : options.stateDir;
-    bool temporary = state.empty();
-    if (temporary) {
+    Watch watch;
+    watch.state = options.stateDir.empty() ? stateDirFromEnv() : options.stateDir;
+    if (watch.state.empty()) {
         char tmpl[] = "/tmp/quillset-watch-XXXXXX";
         if (!mkdtemp(tmpl)) {
-            fail(std::string("mkdtemp: ") + strerror(errno));
+            say(sysError("mkdtemp", tmpl, errno));
             return 1;
         }
-        state = tmpl;
+        watch.state = tmpl;
+        watch.temporary = true;
     }
-    if (state[0] != '/') {
-        char cwd[4096];
-        if (getcwd(cwd, sizeof(cwd)))
-            state = std::string(cwd) + "/" + state;
-    }
-    struct stat st;
-    bool seeded = stat((state + "/profile.json").c_str(), &st) == 0;
-    if (options.fresh && seeded) {
-        for (const char *part : {"settings", "profile.json", "usage.db", "usage.db-wal",
-                                 "usage.db-shm", "platform.log", "simd.log"})
-            removeTree(state + "/" + part);
-        seeded = false;
-    }
-    if (!seeded && !profile.seed(state, &error)) {
-        fail(error);
+    watch.state = absolutePath(watch.state);
+    std::string error;
+    if (!makeDirs(watch.state, &error)) {
+        say(error);
+        say("the watch was not started");
         return 1;
     }
-    if (!makeDirs(state + "/bus", &error)) {
-        fail(error);
-        return 1;
+    if (busAnswers(watch.state + "/bus/system.sock")) {
+        say("this watch is already running (its bus answers in " + watch.state +
+            "/bus); talk to it with `quillset-sim --state " + watch.state + " ...`");
+        say("the watch was not started");
+        return 2;
     }
-    std::string socket = state + "/bus/system.sock";
-    char config[4096];
-    snprintf(config, sizeof(config), kBusConfig, socket.c_str());
-    unlink(socket.c_str());
-    if (!writeFileAtomic(state + "/bus/system.conf", config, &error)) {
-        fail(error);
-        return 1;
+    if (!prepareState(options, &watch)) {
+        say("the watch was not started");
+        return 2;
     }
 
-    struct sigaction action = {};
-    action.sa_handler = onStopSignal;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-
-    // The private system bus.
-    int busPipe[2];
-    if (pipe2(busPipe, O_CLOEXEC) != 0) {
-        fail(std::string("pipe: ") + strerror(errno));
-        return 1;
-    }
-    pid_t bus = spawn({"dbus-daemon", "--config-file=" + state + "/bus/system.conf", "--nofork",
-                       "--nopidfile", "--print-address=" + std::to_string(busPipe[1])},
-                      busPipe[1]);
-    close(busPipe[1]);
-    std::string address;
-    if (bus < 0 || !readLine(busPipe[0], 5.0, &address) || address.empty()) {
-        close(busPipe[0]);
-        fail("the private system bus (dbus-daemon) did not start");
-        stop(bus);
-        return 1;
-    }
-    close(busPipe[0]);
-
-    std::string dir = ownDir();
-    setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
-    setenv("QUILLSET_STATE", state.c_str(), 1);
+    // Everything the watch starts finds it through these.
+    setenv("QUILLSET_STATE", watch.state.c_str(), 1);
     setenv("ECORE_NO_SYSTEM_MODULES", "1", 1);
     // EFL's cache daemon cannot reuse its port in some sandboxes and says so on every start.
     setenv("EINA_LOG_LEVELS", "ecore_con:0", 0);
-    std::string path = dir + ":" + (getenv("PATH") ? getenv("PATH") : "/usr/bin:/bin");
-    setenv("PATH", path.c_str(), 1);
+    // The command may be one of the watch's own programs (quillset-drive, quillset-sim).
+    const char *path = getenv("PATH");
+    std::string searchPath = executableDir() + ":" + (path && *path ? path : "/usr/bin:/bin");
+    setenv("PATH", searchPath.c_str(), 1);
 
-    // The services daemon; the command starts once it serves.
-    int readyPipe[2];
-    if (pipe2(readyPipe, O_CLOEXEC) != 0) {
-        fail(std::string("pipe: ") + strerror(errno));
-        stop(bus);
+    if (!startBus(&watch) || !startDaemon(&watch)) {
+        if (g_stopSignal)
+            return 128 + g_stopSignal;
+        say("the watch was not started");
         return 1;
     }
-    setenv("QUILLSET_READY_FD", std::to_string(readyPipe[1]).c_str(), 1);
-    pid_t daemon = spawn({dir + "/quillset-simd"}, readyPipe[1]);
-    unsetenv("QUILLSET_READY_FD");
-    close(readyPipe[1]);
-    std::string ready;
-    if (daemon < 0 || !readLine(readyPipe[0], 10.0, &ready) || ready != "ready") {
-        close(readyPipe[0]);
-        fail("the services daemon (quillset-simd) did not start; see " + state + "/simd.log");
-        stop(daemon);
-        stop(bus);
-        return 1;
-    }
-    close(readyPipe[0]);
+    say("watch running; QUILLSET_STATE=" + watch.state);
 
-    fprintf(stderr, "quillset-sim: watch '%s' running; QUILLSET_STATE=%s\n",
-            options.profile.c_str(), state.c_str());
-    int status = 127;
-    if (!g_stopRequested) {
-        pid_t child = spawn(options.command, -1);
-        status = child < 0 ? 127 : waitFor(child);
-    }
-
-    stop(daemon);
-    stop(bus);
-    unlink(socket.c_str());
-    if (temporary)
-        removeTree(state);
-    return status;
+    if (g_stopSignal)
+        return 128 + g_stopSignal;
+    pid_t child = spawn(options.command, SpawnOptions());
+    return child < 0 ? 127 : waitForCommand(child);
 }
 
 }  // namespace sim

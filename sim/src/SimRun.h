@@ -7,14 +7,16 @@
 namespace sim {
 
 struct RunOptions {
-    std::string profile = "default";
-    std::string stateDir;  // empty: $QUILLSET_STATE or a temporary directory
+    std::string profile = "default";  // a name in <data dir>/profiles or a file path
+    bool profileGiven = false;
+    std::string stateDir;  // empty: $QUILLSET_STATE, else a temporary directory
     bool fresh = false;
     std::vector<std::string> command;
 };
 
-// Brings up a simulated watch (state directory, private bus, services daemon), runs the
-// command in it, tears everything down and returns the command's exit status.
+// Brings up a simulated watch (state directory, private system bus, services daemon), runs
+// the command in it, tears everything down in every case and returns the command's exit
+// status (128 + signal when it was killed; 1 or 2 when the watch could not be started).
 int runWatch(const RunOptions &options);
 
 }  // namespace sim

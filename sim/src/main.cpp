@@ -1,12 +1,13 @@
 // quillset-sim: brings up and controls a simulated watch.
 
 #include <dbus/dbus.h>
-#include <dirent.h>
 
-#include <algorithm>
+#include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,10 @@ const char *const kUsage =
     "Every command but run and profiles finds the watch through --state DIR or\n"
     "$QUILLSET_STATE, which run exports to CMD.\n";
 
+const char *const kSimName = "com.nerova.quillset.sim";
+const char *const kSimPath = "/com/nerova/quillset/sim";
+const char *const kSimInterface = "com.nerova.quillset.Sim";
+
 int usageError(const std::string &message) {
     std::cerr << "quillset-sim: " << message << "\n" << kUsage;
     return 2;
@@ -44,66 +49,68 @@ int fail(const std::string &message) {
     return 1;
 }
 
-bool stateDirOrFail(const std::string &option, std::string *state) {
-    *state = option.empty() ? sim::stateDirFromEnv() : option;
-    if (state->empty()) {
-        std::cerr << "quillset-sim: no watch: give --state DIR or set QUILLSET_STATE (run sets "
-                     "it for its command)\n";
-        return false;
-    }
-    return true;
-}
+struct Watch {
+    std::string state;
+    bool explicitState = false;  // from --state rather than the environment
+};
 
-int cmdGet(const std::string &state, const std::vector<std::string> &args) {
+int cmdGet(const Watch &watch, const std::vector<std::string> &args) {
     if (args.size() != 1)
         return usageError("get takes one KEY");
-    sim::SettingsStore store(state);
     sim::SettingValue value;
     std::string error;
-    switch (store.read(args[0], &value, &error)) {
+    switch (sim::SettingsStore(watch.state).read(args[0], &value, &error)) {
         case sim::SettingsStore::Ok:
             std::cout << value.text() << "\n";
             return 0;
         case sim::SettingsStore::Missing:
-            return fail("no setting " + args[0]);
+            return fail("no setting " + args[0] + " on this watch (" + watch.state + ")");
         default:
             return fail(error);
     }
 }
 
-int cmdSet(const std::string &state, const std::vector<std::string> &args) {
+int cmdSet(const Watch &watch, const std::vector<std::string> &args) {
     if (args.size() != 3)
         return usageError("set takes KEY TYPE VALUE");
+    if (!sim::SettingsStore::validKey(args[0]))
+        return fail("invalid key '" + args[0] + "' (a relative path such as db/setting/x)");
     sim::SettingValue value;
     std::string error;
     if (!sim::SettingValue::parse(args[1], args[2], &value, &error))
-        return fail(args[0] + ": " + error);
-    if (sim::SettingsStore(state).write(args[0], value, &error) != sim::SettingsStore::Ok)
+        return fail(args[0] + ": " + error + "; nothing was written");
+    if (sim::SettingsStore(watch.state).write(args[0], value, &error) != sim::SettingsStore::Ok)
         return fail(error);
     return 0;
 }
 
+// The watch's bus: the one given with --state, else the one this process runs on.
+std::string busAddress(const Watch &watch) {
+    const char *env = getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    if (!watch.explicitState && env && *env)
+        return env;
+    return "unix:path=" + watch.state + "/bus/system.sock";
+}
+
 // Sends an event to the watch's services daemon, which hands it to the application.
-int sendEvent(const std::string &state, const std::string &kind,
-              const std::vector<std::string> &args) {
+int sendEvent(const Watch &watch, const std::string &kind, const std::vector<std::string> &args) {
+    std::string address = busAddress(watch);
     DBusError error;
     dbus_error_init(&error);
-    const char *env = getenv("DBUS_SYSTEM_BUS_ADDRESS");
-    std::string address = env && *env ? env : "unix:path=" + state + "/bus/system.sock";
     DBusConnection *bus = dbus_connection_open_private(address.c_str(), &error);
-    if (!bus || !dbus_bus_register(bus, &error)) {
+    if (bus && !dbus_bus_register(bus, &error)) {
+        dbus_connection_close(bus);
+        dbus_connection_unref(bus);
+        bus = nullptr;
+    }
+    if (!bus) {
         std::string message = "the watch's bus is not reachable at " + address + " (" +
                               (error.message ? error.message : "unknown error") +
                               "); is the watch running (quillset-sim run)?";
         dbus_error_free(&error);
-        if (bus) {
-            dbus_connection_close(bus);
-            dbus_connection_unref(bus);
-        }
         return fail(message);
     }
-    DBusMessage *call = dbus_message_new_method_call(
-        "com.nerova.quillset.sim", "/com/nerova/quillset/sim", "com.nerova.quillset.Sim", "Event");
+    DBusMessage *call = dbus_message_new_method_call(kSimName, kSimPath, kSimInterface, "Event");
     DBusMessageIter iter, array;
     dbus_message_iter_init_append(call, &iter);
     const char *kindText = kind.c_str();
@@ -118,8 +125,10 @@ int sendEvent(const std::string &state, const std::string &kind,
     dbus_message_unref(call);
     int status = 0;
     if (!reply) {
-        status = fail(std::string("event ") + kind + ": " +
-                      (error.message ? error.message : "no answer from quillset-simd"));
+        std::string reason = error.message ? error.message : "no answer";
+        if (error.name && strcmp(error.name, DBUS_ERROR_SERVICE_UNKNOWN) == 0)
+            reason = "the services daemon (quillset-simd) is not on the bus";
+        status = fail("event " + kind + ": " + reason);
         dbus_error_free(&error);
     } else {
         dbus_message_unref(reply);
@@ -129,48 +138,68 @@ int sendEvent(const std::string &state, const std::string &kind,
     return status;
 }
 
-std::string normaliseLanguage(const std::string &lang) {
-    std::string value = lang;
-    if (value == "en")
-        value = "en_US";
-    else if (value.size() == 2)
-        value += "_" + std::string(1, toupper(value[0])) + std::string(1, toupper(value[1]));
-    if (value.find('.') == std::string::npos)
-        value += ".UTF-8";
-    return value;
+// "de" -> "de_DE.UTF-8"; "" when lang does not look like a language.
+std::string languageSetting(const std::string &lang) {
+    // Languages whose usual country code is not the language code.
+    static const std::map<std::string, std::string> kCountries = {
+        {"en", "US"}, {"ja", "JP"}, {"ko", "KR"}, {"zh", "CN"}, {"sv", "SE"}, {"da", "DK"},
+        {"el", "GR"}, {"cs", "CZ"}, {"uk", "UA"}, {"he", "IL"}, {"hi", "IN"}, {"nb", "NO"},
+        {"sl", "SI"}, {"et", "EE"}, {"ar", "AE"}, {"fa", "IR"}, {"ga", "IE"}, {"ca", "ES"}};
+    std::string base = lang;
+    size_t dot = base.find('.');
+    if (dot != std::string::npos) {
+        std::string charset = base.substr(dot + 1);
+        if (charset != "UTF-8" && charset != "utf8")
+            return "";
+        base = base.substr(0, dot);
+    }
+    size_t underscore = base.find('_');
+    std::string language = base.substr(0, underscore);
+    std::string country = underscore == std::string::npos ? "" : base.substr(underscore + 1);
+    if (language.size() < 2 || language.size() > 3)
+        return "";
+    for (char c : language)
+        if (!islower(static_cast<unsigned char>(c)))
+            return "";
+    if (underscore == std::string::npos) {
+        auto known = kCountries.find(language);
+        country = known != kCountries.end() ? known->second : language;
+        for (char &c : country)
+            c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
+    }
+    if (country.size() != 2 || !isupper(static_cast<unsigned char>(country[0])) ||
+        !isupper(static_cast<unsigned char>(country[1])))
+        return "";
+    return language + "_" + country + ".UTF-8";
 }
 
-int cmdEvent(const std::string &state, const std::vector<std::string> &args) {
+int cmdEvent(const Watch &watch, const std::vector<std::string> &args) {
     if (args.empty())
-        return usageError("event needs a kind");
+        return usageError("event needs a kind (launch, language, policy)");
     const std::string &kind = args[0];
     std::vector<std::string> rest(args.begin() + 1, args.end());
     if (kind == "language") {
-        if (rest.size() != 1 || rest[0].size() < 2)
-            return usageError("event language takes LANG, such as de or de_DE");
+        // The application watches the language setting itself.
+        if (rest.size() != 1)
+            return usageError("event language takes LANG, such as de, de_DE or de_DE.UTF-8");
+        std::string value = languageSetting(rest[0]);
+        if (value.empty())
+            return fail("'" + rest[0] + "' is not a language such as de, de_DE or de_DE.UTF-8");
         std::string error;
-        if (sim::SettingsStore(state).write("db/menu_widget/language",
-                                            sim::SettingValue::ofString(normaliseLanguage(rest[0])),
-                                            &error) != sim::SettingsStore::Ok)
+        if (sim::SettingsStore(watch.state)
+                .write("db/menu_widget/language", sim::SettingValue::ofString(value), &error) !=
+            sim::SettingsStore::Ok)
             return fail(error);
         return 0;
     }
-    return sendEvent(state, kind, rest);
+    return sendEvent(watch, kind, rest);
 }
 
 int cmdProfiles() {
-    std::string dir = sim::dataDir() + "/profiles";
-    DIR *d = opendir(dir.c_str());
-    if (!d)
+    std::string dir = sim::profilesDir();
+    std::vector<std::string> names = sim::Profile::names(dir);
+    if (names.empty())
         return fail("no profiles in " + dir);
-    std::vector<std::string> names;
-    while (struct dirent *entry = readdir(d)) {
-        std::string name = entry->d_name;
-        if (name.size() > 5 && name.compare(name.size() - 5, 5, ".json") == 0)
-            names.push_back(name.substr(0, name.size() - 5));
-    }
-    closedir(d);
-    std::sort(names.begin(), names.end());
     for (const std::string &name : names) {
         sim::Profile profile;
         std::string error;
@@ -182,14 +211,15 @@ int cmdProfiles() {
     return 0;
 }
 
-int cmdList(const std::string &state, bool journal) {
+int cmdList(const Watch &watch, bool journal) {
     sim::UsageDb db;
     std::string error;
     std::vector<nlohmann::json> rows;
-    if (!db.open(state, &error) ||
+    if (!db.open(watch.state, &error) ||
         !(journal ? db.listJournal(&rows, &error) : db.listUsage(&rows, &error)))
         return fail(error);
     for (nlohmann::json &row : rows) {
+        // Extra data is stored as JSON text; show it as the object it is.
         if (journal && row.contains("extra_data") && row["extra_data"].is_string()) {
             nlohmann::json extra =
                 nlohmann::json::parse(row["extra_data"].get<std::string>(), nullptr, false);
@@ -201,60 +231,107 @@ int cmdList(const std::string &state, bool journal) {
     return 0;
 }
 
+// Takes "--NAME VALUE" or "--NAME=VALUE" at args[*i]; false when args[*i] is another word.
+bool takeOption(const std::vector<std::string> &args, size_t *i, const std::string &name,
+                std::string *value, std::string *error) {
+    const std::string &arg = args[*i];
+    if (arg.compare(0, name.size() + 1, name + "=") == 0) {
+        *value = arg.substr(name.size() + 1);
+    } else if (arg == name) {
+        if (*i + 1 >= args.size() || args[*i + 1] == "--") {
+            *error = name + " needs a value";
+            return true;
+        }
+        *value = args[++*i];
+    } else {
+        return false;
+    }
+    if (value->empty())
+        *error = name + " needs a value";
+    return true;
+}
+
+int cmdRun(const std::string &state, const std::vector<std::string> &args) {
+    sim::RunOptions options;
+    options.stateDir = state;
+    size_t i = 0;
+    for (; i < args.size() && args[i] != "--"; ++i) {
+        std::string error;
+        if (takeOption(args, &i, "--profile", &options.profile, &error)) {
+            if (!error.empty())
+                return usageError("run: " + error);
+            options.profileGiven = true;
+        } else if (args[i] == "--fresh") {
+            options.fresh = true;
+        } else {
+            return usageError("run: unknown option '" + args[i] + "' (the command goes after --)");
+        }
+    }
+    if (i < args.size())
+        options.command.assign(args.begin() + i + 1, args.end());
+    if (options.command.empty())
+        return usageError("run needs a command after --");
+    return sim::runWatch(options);
+}
+
 }  // namespace
 
 int main(int argc, char *argv[]) {
     std::vector<std::string> args(argv + 1, argv + argc);
-    std::string state;
-    // --state may come before or after the command name.
-    for (size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--")
-            break;
-        if (args[i] == "--state") {
-            if (i + 1 >= args.size())
-                return usageError("--state needs a directory");
-            state = args[i + 1];
-            args.erase(args.begin() + i, args.begin() + i + 2);
-            --i;
+    Watch watch;
+    // --state may come before or after the command name (but not inside run's command).
+    size_t i = 0;
+    while (i < args.size() && args[i] != "--") {
+        size_t last = i;
+        std::string error;
+        if (!takeOption(args, &last, "--state", &watch.state, &error)) {
+            ++i;
+            continue;
         }
+        if (!error.empty())
+            return usageError(error);
+        watch.explicitState = true;
+        args.erase(args.begin() + i, args.begin() + last + 1);
     }
-    if (args.empty() || args[0] == "--help" || args[0] == "-h") {
+    if (args.empty())
+        return usageError("no command");
+    if (args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
         std::cout << kUsage;
-        return args.empty() ? 2 : 0;
+        return 0;
     }
     std::string command = args[0];
     std::vector<std::string> rest(args.begin() + 1, args.end());
 
-    if (command == "run") {
-        sim::RunOptions options;
-        options.stateDir = state;
-        size_t i = 0;
-        for (; i < rest.size() && rest[i] != "--"; ++i) {
-            if (rest[i] == "--profile" && i + 1 < rest.size())
-                options.profile = rest[++i];
-            else if (rest[i] == "--fresh")
-                options.fresh = true;
-            else
-                return usageError("run: unknown option " + rest[i]);
-        }
-        if (i < rest.size())
-            options.command.assign(rest.begin() + i + 1, rest.end());
-        return sim::runWatch(options);
-    }
+    if (command == "run")
+        return cmdRun(watch.state, rest);
     if (command == "profiles")
-        return cmdProfiles();
+        return rest.empty() ? cmdProfiles() : usageError("profiles takes no arguments");
 
-    if (!stateDirOrFail(state, &state))
-        return 2;
+    static const char *const kStateCommands[] = {"get", "set", "event", "usage", "launches"};
+    bool known = false;
+    for (const char *name : kStateCommands)
+        known = known || command == name;
+    if (!known)
+        return usageError("unknown command '" + command + "'");
+
+    if (watch.state.empty())
+        watch.state = sim::stateDirFromEnv();
+    if (watch.state.empty())
+        return fail(
+            "which watch? Give --state DIR or set QUILLSET_STATE (`quillset-sim run` "
+            "sets it for its command)");
+    if (!sim::isDirectory(watch.state))
+        return fail("no watch at " + watch.state +
+                    " (not a directory); `quillset-sim run "
+                    "--state " +
+                    watch.state + " -- ...` makes one");
     if (command == "get")
-        return cmdGet(state, rest);
+        return cmdGet(watch, rest);
     if (command == "set")
-        return cmdSet(state, rest);
+        return cmdSet(watch, rest);
     if (command == "event")
-        return cmdEvent(state, rest);
-    if (command == "usage")
-        return cmdList(state, false);
-    if (command == "launches")
-        return cmdList(state, true);
-    return usageError("unknown command " + command);
+        return cmdEvent(watch, rest);
+    if ((command == "usage" || command == "launches") && !rest.empty())
+        return usageError(command + " takes no arguments");
+    return cmdList(watch, command == "launches");
 }

@@ -1,14 +1,20 @@
 // quillset-simd: the services daemon of the simulated watch, on its private system bus.
 //
-// - com.nerova.quillset.sim: Event(kind, args) delivers an event (a new launch request, a
-//   policy change...) to the running application as the signal Event(kind, args).
+// - com.nerova.quillset.sim: Event(kind, args) checks an event (a new launch request, a
+//   policy change...) and hands it to the running application as the signal Event(kind, args).
 // - com.nerova.logmgr: the log provider; its Select calls are recorded in the usage database.
+//
+// quillset-sim starts it with QUILLSET_READY_FD, a pipe on which it writes "ready" once both
+// names are owned, so that nothing talks to the watch before it serves.
 
 #include <Ecore.h>
 #include <Eldbus.h>
 
+#include <sys/time.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -24,6 +30,8 @@ namespace {
 const char *const kSimName = "com.nerova.quillset.sim";
 const char *const kSimPath = "/com/nerova/quillset/sim";
 const char *const kSimInterface = "com.nerova.quillset.Sim";
+const char *const kErrorUnknownEvent = "com.nerova.quillset.Sim.Error.UnknownEvent";
+const char *const kErrorInvalidArgs = "com.nerova.quillset.Sim.Error.InvalidArgs";
 
 const char *const kLogName = "com.nerova.logmgr";
 const char *const kLogPath = "/com/nerova/logmgr/log/provider/report_app_status_survey";
@@ -36,75 +44,102 @@ struct Daemon {
     sim::UsageDb usage;
     FILE *log = nullptr;
     int namesPending = 2;
+    int status = 0;
 };
 
 Daemon g_daemon;
 
 void say(const char *fmt, ...) __attribute__((format(printf, 1, 2)));
 void say(const char *fmt, ...) {
-    if (!g_daemon.log)
-        return;
-    time_t now = time(nullptr);
-    char stamp[32];
-    strftime(stamp, sizeof(stamp), "%H:%M:%S", localtime(&now));
-    fprintf(g_daemon.log, "%s ", stamp);
+    FILE *out = g_daemon.log ? g_daemon.log : stderr;
+    struct timeval now;
+    gettimeofday(&now, nullptr);
+    struct tm local;
+    localtime_r(&now.tv_sec, &local);
+    fprintf(out, "%02d:%02d:%02d.%03ld ", local.tm_hour, local.tm_min, local.tm_sec,
+            static_cast<long>(now.tv_usec / 1000));
     va_list ap;
     va_start(ap, fmt);
-    vfprintf(g_daemon.log, fmt, ap);
+    vfprintf(out, fmt, ap);
     va_end(ap);
-    fputc('\n', g_daemon.log);
-    fflush(g_daemon.log);
+    fputc('\n', out);
+    fflush(out);
 }
 
-// Checks an event's arguments; an empty result means it is valid.
-std::string checkEvent(const std::string &kind, const std::vector<std::string> &args) {
-    if (kind == "launch" || kind == "home")
-        return args.empty() ? "" : kind + " takes no arguments";
-    if (kind == "policy") {
-        if (args.size() != 2 || args[0] != "usb-debugging")
-            return "policy takes: usb-debugging STATUS";
-        char *end = nullptr;
-        strtol(args[1].c_str(), &end, 10);
-        return args[1].empty() || *end ? "policy status must be a number" : "";
+void quit(int status) {
+    g_daemon.status = status;
+    ecore_main_loop_quit();
+}
+
+bool isNumber(const std::string &text) {
+    char *end = nullptr;
+    strtol(text.c_str(), &end, 10);
+    return !text.empty() && !*end;
+}
+
+// Checks an event; returns the D-Bus error name and sets problem when it is refused.
+const char *checkEvent(const std::string &kind, const std::vector<std::string> &args,
+                       std::string *problem) {
+    if (kind == "launch" || kind == "home") {
+        if (args.empty())
+            return nullptr;
+        *problem = "event '" + kind + "' takes no arguments, got " + std::to_string(args.size());
+        return kErrorInvalidArgs;
     }
-    return "unknown event '" + kind + "' (launch, policy)";
+    if (kind == "policy") {
+        if (args.size() == 2 && args[0] == "usb-debugging" && isNumber(args[1]))
+            return nullptr;
+        *problem = "event 'policy' takes: usb-debugging STATUS (a number)";
+        return kErrorInvalidArgs;
+    }
+    *problem = "unknown event kind '" + kind + "' (known: launch, home, policy)";
+    return kErrorUnknownEvent;
 }
 
 Eldbus_Message *eventCb(const Eldbus_Service_Interface *iface, const Eldbus_Message *msg) {
     const char *kind = nullptr;
     Eldbus_Message_Iter *array = nullptr;
-    if (!eldbus_message_arguments_get(msg, "sas", &kind, &array))
-        return eldbus_message_error_new(msg, "org.freedesktop.DBus.Error.InvalidArgs",
-                                        "expected (s kind, as args)");
+    if (!eldbus_message_arguments_get(msg, "sas", &kind, &array)) {
+        say("refused a malformed Event call from %s", eldbus_message_sender_get(msg));
+        return eldbus_message_error_new(msg, kErrorInvalidArgs, "expected (s kind, as args)");
+    }
     std::vector<std::string> args;
     const char *arg = nullptr;
     while (eldbus_message_iter_get_and_next(array, 's', &arg))
         args.emplace_back(arg);
-    std::string problem = checkEvent(kind, args);
-    if (!problem.empty()) {
-        say("refused event %s: %s", kind, problem.c_str());
-        return eldbus_message_error_new(msg, "com.nerova.quillset.Sim.Error.BadEvent",
-                                        problem.c_str());
+    std::string problem;
+    if (const char *errorName = checkEvent(kind, args, &problem)) {
+        say("refused event from %s: %s", eldbus_message_sender_get(msg), problem.c_str());
+        return eldbus_message_error_new(msg, errorName, problem.c_str());
     }
 
     Eldbus_Message *signal = eldbus_service_signal_new(iface, 0);
     Eldbus_Message_Iter *iter = eldbus_message_iter_get(signal);
     eldbus_message_iter_basic_append(iter, 's', kind);
     Eldbus_Message_Iter *out = eldbus_message_iter_container_new(iter, 'a', "s");
-    for (const std::string &a : args)
+    std::string joined;
+    for (const std::string &a : args) {
         eldbus_message_iter_basic_append(out, 's', a.c_str());
+        joined += " " + a;
+    }
     eldbus_message_iter_container_close(iter, out);
-    eldbus_service_signal_send(iface, signal);
-    say("event %s (%zu arguments)", kind, args.size());
+    if (!eldbus_service_signal_send(iface, signal)) {
+        say("event %s%s could not be emitted", kind, joined.c_str());
+        return eldbus_message_error_new(msg, "org.freedesktop.DBus.Error.Failed",
+                                        "the event could not be emitted");
+    }
+    say("event %s%s from %s", kind, joined.c_str(), eldbus_message_sender_get(msg));
     return eldbus_message_method_return_new(msg);
 }
 
 Eldbus_Message *selectCb(const Eldbus_Service_Interface *, const Eldbus_Message *msg) {
     std::string error;
-    if (!g_daemon.usage.addCall(kLogName, kLogPath, kLogInterface, "Select", &error))
-        say("Select not recorded: %s", error.c_str());
+    if (!g_daemon.usage.isOpen() ||
+        !g_daemon.usage.addCall(kLogName, kLogPath, kLogInterface, "Select", &error))
+        say("Select from %s not recorded: %s", eldbus_message_sender_get(msg),
+            g_daemon.usage.isOpen() ? error.c_str() : "no usage database");
     else
-        say("Select recorded");
+        say("Select from %s recorded", eldbus_message_sender_get(msg));
     return eldbus_message_method_return_new(msg);
 }
 
@@ -121,36 +156,47 @@ const Eldbus_Method kLogMethods[] = {{"Select", nullptr, nullptr, selectCb, 0},
 const Eldbus_Service_Interface_Desc kLogDesc = {kLogInterface, kLogMethods, nullptr,
                                                 nullptr,       nullptr,     nullptr};
 
-void readyIfNamed() {
-    if (--g_daemon.namesPending > 0)
-        return;
-    // Tell quillset-sim that the watch's services are up.
+void reportReady() {
+    say("serving %s and %s", kSimName, kLogName);
     const char *fd = getenv("QUILLSET_READY_FD");
-    if (fd) {
-        int n = atoi(fd);
-        if (write(n, "ready\n", 6) != 6)
-            say("could not report readiness");
-        close(n);
-    }
-    say("serving");
+    if (!fd)
+        return;
+    int n = atoi(fd);
+    if (write(n, "ready\n", 6) != 6)
+        say("%s", sim::sysError("write", "QUILLSET_READY_FD", errno).c_str());
+    close(n);
 }
 
 void nameCb(void *data, const Eldbus_Message *msg, Eldbus_Pending *) {
     const char *name = static_cast<const char *>(data);
     const char *errorName = nullptr, *errorText = nullptr;
     if (eldbus_message_error_get(msg, &errorName, &errorText)) {
-        fprintf(stderr, "quillset-simd: cannot own %s: %s\n", name, errorText);
-        ecore_main_loop_quit();
+        say("cannot own %s: %s", name, errorText ? errorText : errorName);
+        fprintf(stderr, "quillset-simd: cannot own %s: %s\n", name, errorText ? errorText : "");
+        quit(1);
         return;
     }
     unsigned int reply = 0;
     if (!eldbus_message_arguments_get(msg, "u", &reply) ||
         reply != ELDBUS_NAME_REQUEST_REPLY_PRIMARY_OWNER) {
+        say("%s is already owned on this bus", name);
         fprintf(stderr, "quillset-simd: %s is already owned on this bus\n", name);
-        ecore_main_loop_quit();
+        quit(1);
         return;
     }
-    readyIfNamed();
+    if (--g_daemon.namesPending == 0)
+        reportReady();
+}
+
+Eina_Bool exitSignalCb(void *, int, void *) {
+    say("stop requested");
+    quit(0);
+    return ECORE_CALLBACK_DONE;
+}
+
+void disconnectedCb(void *, Eldbus_Connection *, void *) {
+    say("the bus went away");
+    quit(0);
 }
 
 }  // namespace
@@ -159,21 +205,32 @@ int main() {
     std::string state = sim::stateDirFromEnv();
     if (state.empty()) {
         fprintf(stderr,
-                "quillset-simd: QUILLSET_STATE is not set (start it with quillset-sim run)\n");
+                "quillset-simd: QUILLSET_STATE is not set (it is started by quillset-sim run)\n");
         return 2;
     }
-    g_daemon.log = fopen((state + "/simd.log").c_str(), "a");
+    std::string logPath = state + "/simd.log";
+    g_daemon.log = fopen(logPath.c_str(), "ae");
+    if (!g_daemon.log)
+        fprintf(stderr, "quillset-simd: %s\n", sim::sysError("fopen", logPath, errno).c_str());
+    say("starting (pid %d)", static_cast<int>(getpid()));
     std::string error;
     if (!g_daemon.usage.open(state, &error))
-        fprintf(stderr, "quillset-simd: %s (calls will not be recorded)\n", error.c_str());
+        say("usage database: %s (calls will not be recorded)", error.c_str());
 
     ecore_init();
     eldbus_init();
+    ecore_event_handler_add(ECORE_EVENT_SIGNAL_EXIT, exitSignalCb, nullptr);
     g_daemon.bus = eldbus_connection_get(ELDBUS_CONNECTION_TYPE_SYSTEM);
     if (!g_daemon.bus) {
+        const char *address = getenv("DBUS_SYSTEM_BUS_ADDRESS");
+        say("cannot reach the private system bus at %s", address ? address : "(unset)");
         fprintf(stderr, "quillset-simd: cannot reach the private system bus\n");
+        eldbus_shutdown();
+        ecore_shutdown();
         return 1;
     }
+    eldbus_connection_event_callback_add(g_daemon.bus, ELDBUS_CONNECTION_EVENT_DISCONNECTED,
+                                         disconnectedCb, nullptr);
     g_daemon.simInterface = eldbus_service_interface_register(g_daemon.bus, kSimPath, &kSimDesc);
     g_daemon.logInterface = eldbus_service_interface_register(g_daemon.bus, kLogPath, &kLogDesc);
     eldbus_name_request(g_daemon.bus, kSimName, ELDBUS_NAME_REQUEST_FLAG_DO_NOT_QUEUE, nameCb,
@@ -189,7 +246,8 @@ int main() {
     eldbus_connection_unref(g_daemon.bus);
     eldbus_shutdown();
     ecore_shutdown();
+    g_daemon.usage.close();
     if (g_daemon.log)
         fclose(g_daemon.log);
-    return 0;
+    return g_daemon.status;
 }

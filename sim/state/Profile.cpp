@@ -1,7 +1,9 @@
 #include "Profile.h"
 
-#include <sys/stat.h>
+#include <dirent.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <map>
 
@@ -14,75 +16,231 @@ using Json = nlohmann::json;
 
 namespace {
 
-struct Checker {
-    std::string source;
-    std::vector<std::string> *warnings;
-    std::string error;
+// Checks a profile's JSON against what the watch's parts read, keeping the first error and
+// every warning. Paths read like the JSON: storage.block_size, settings["db/x/y"], faults[0].
+class Checker {
+public:
+    using Rule = std::function<bool(const Json &, const std::string &path)>;
+
+    Checker(std::string source, std::vector<std::string> *warnings)
+        : _source(std::move(source)), _warnings(warnings) {}
+
+    const std::string &error() const { return _error; }
+
+    static std::string child(const std::string &path, const std::string &key) {
+        bool plain = !key.empty() && std::all_of(key.begin(), key.end(), [](char c) {
+            return isalnum(static_cast<unsigned char>(c)) || c == '_';
+        });
+        if (plain)
+            return path.empty() ? key : path + "." + key;
+        return (path.empty() ? "" : path) + "[" + Json(key).dump() + "]";
+    }
 
     bool fail(const std::string &path, const std::string &expected, const Json &value) {
-        error = source + ": " + path + ": expected " + expected + ", found " +
-                std::string(value.type_name()) + " " + value.dump();
+        _error = _source + ": " + (path.empty() ? "(top level)" : path) + ": expected " + expected +
+                 ", found " + describe(value);
         return false;
     }
-    void warn(const std::string &path, const std::string &what) {
-        warnings->push_back(source + ": " + path + ": " + what);
+
+    bool failMissing(const std::string &path, const std::string &expected) {
+        _error = _source + ": " + path + ": missing (expected " + expected + ")";
+        return false;
     }
 
-    bool object(const Json &value, const std::string &path) {
-        return value.is_object() || fail(path, "an object", value);
+    void warn(const std::string &path, const std::string &what) {
+        _warnings->push_back(_source + ": " + path + ": " + what);
     }
-    bool scalarMap(const Json &value, const std::string &path) {
-        if (!object(value, path))
-            return false;
-        for (auto &entry : value.items()) {
-            const Json &v = entry.value();
-            if (!v.is_boolean() && !v.is_number() && !v.is_string())
-                return fail(path + "." + entry.key(), "a boolean, number or string", v);
-        }
-        return true;
-    }
+
+    // An object whose known keys follow their rules; other keys are warned about.
     bool fields(const Json &value, const std::string &path,
-                const std::map<std::string, std::function<bool(const Json &)>> &known) {
-        if (!object(value, path))
-            return false;
+                const std::map<std::string, Rule> &known) {
+        if (!value.is_object())
+            return fail(path, "an object", value);
         for (auto &entry : value.items()) {
-            auto it = known.find(entry.key());
-            if (it == known.end()) {
-                warn(path + "." + entry.key(), "unknown key (ignored)");
+            std::string at = child(path, entry.key());
+            auto rule = known.find(entry.key());
+            if (rule == known.end()) {
+                warn(at, "unknown key (ignored)");
                 continue;
             }
-            if (!it->second(entry.value()))
+            if (!rule->second(entry.value(), at))
                 return false;
         }
         return true;
     }
-    std::function<bool(const Json &)> isBool(const std::string &path) {
-        return [this, path](const Json &v) { return v.is_boolean() || fail(path, "a boolean", v); };
-    }
-    std::function<bool(const Json &)> isInt(const std::string &path) {
-        return [this, path](const Json &v) {
-            return v.is_number_integer() || fail(path, "an integer", v);
+
+    // An object of any keys whose values all follow one rule.
+    Rule mapOf(Rule each) {
+        return [this, each](const Json &v, const std::string &path) {
+            if (!v.is_object())
+                return fail(path, "an object", v);
+            for (auto &entry : v.items())
+                if (!each(entry.value(), child(path, entry.key())))
+                    return false;
+            return true;
         };
     }
-    std::function<bool(const Json &)> isCount(const std::string &path) {
-        return [this, path](const Json &v) {
-            return (v.is_number_integer() && v.get<long long>() >= 0) ||
-                   fail(path, "a non-negative integer", v);
+
+    Rule arrayOf(Rule each) {
+        return [this, each](const Json &v, const std::string &path) {
+            if (!v.is_array())
+                return fail(path, "an array", v);
+            for (size_t k = 0; k < v.size(); ++k)
+                if (!each(v[k], path + "[" + std::to_string(k) + "]"))
+                    return false;
+            return true;
         };
     }
-    std::function<bool(const Json &)> isString(const std::string &path) {
-        return [this, path](const Json &v) { return v.is_string() || fail(path, "a string", v); };
+
+    Rule anyObject() {
+        return [this](const Json &v, const std::string &path) {
+            return v.is_object() || fail(path, "an object", v);
+        };
     }
+
+    Rule boolean() {
+        return [this](const Json &v, const std::string &path) {
+            return v.is_boolean() || fail(path, "a boolean (true or false)", v);
+        };
+    }
+
+    Rule string(bool allowEmpty = true) {
+        return [this, allowEmpty](const Json &v, const std::string &path) {
+            if (!v.is_string() || (!allowEmpty && v.get<std::string>().empty()))
+                return fail(path, allowEmpty ? "a string" : "a non-empty string", v);
+            return true;
+        };
+    }
+
+    Rule integer(long long min = INT32_MIN, long long max = INT32_MAX) {
+        return [this, min, max](const Json &v, const std::string &path) {
+            bool ok = false;
+            // The parser keeps non-negative integers unsigned, which may not fit a long long.
+            if (v.is_number_unsigned()) {
+                unsigned long long u = v.get<unsigned long long>();
+                ok = u <= static_cast<unsigned long long>(max) &&
+                     (min <= 0 || u >= static_cast<unsigned long long>(min));
+            } else if (v.is_number_integer()) {
+                ok = v.get<long long>() >= min && v.get<long long>() <= max;
+            }
+            if (ok)
+                return true;
+            std::string expected;
+            if (min == INT32_MIN && max == INT32_MAX)
+                expected = "a 32-bit integer";
+            else if (max == INT64_MAX)
+                expected = min == 0 ? "a non-negative integer" : "a positive integer";
+            else
+                expected = "an integer from " + std::to_string(min) + " to " + std::to_string(max);
+            return fail(path, expected, v);
+        };
+    }
+
+    Rule scalar() {
+        return [this](const Json &v, const std::string &path) {
+            return v.is_boolean() || v.is_number() || v.is_string() ||
+                   fail(path, "a boolean, number or string", v);
+        };
+    }
+
+    // Setting types come from the JSON type; an int setting is 32 bits.
+    Rule setting() {
+        return [this](const Json &v, const std::string &path) {
+            if (v.is_number_integer())
+                return integer()(v, path);
+            return v.is_boolean() || v.is_number_float() || v.is_string() ||
+                   fail(path, "a boolean, integer, number with a fraction or string", v);
+        };
+    }
+
+private:
+    static std::string describe(const Json &value) {
+        std::string text = value.dump();
+        if (text.size() > 40)
+            text = text.substr(0, 37) + "...";
+        return std::string(value.type_name()) + " " + text;
+    }
+
+    std::string _source;
+    std::vector<std::string> *_warnings;
+    std::string _error;
 };
 
-// Sections that later parts of the watch read; their contents are checked where they are used.
-const char *const kOpenSections[] = {"telephony", "sim", "esim",     "bluetooth", "wifi",
-                                     "deviced",   "csc", "packages", "latency",   "battery"};
+// Sections read by parts of the watch that check their own contents.
+const char *const kOpenSections[] = {"telephony", "sim",     "esim",    "bluetooth",
+                                     "wifi",      "deviced", "csc",     "packages",
+                                     "latency",   "battery", "ringtone"};
 
+bool validate(const Json &json, const std::string &source, std::vector<std::string> *warnings,
+              std::string *error) {
+    Checker c(source, warnings);
+    const long long kCountMax = INT64_MAX;
+    std::map<std::string, Checker::Rule> known = {
+        {"description", c.string()},
+        {"system_info",
+         [&c](const Json &v, const std::string &path) {
+             return c.fields(v, path,
+                             {{"platform", c.mapOf(c.scalar())}, {"vendor", c.mapOf(c.scalar())}});
+         }},
+        {"settings",
+         [&c](const Json &v, const std::string &path) {
+             if (!c.mapOf(c.setting())(v, path))
+                 return false;
+             for (auto &entry : v.items())
+                 if (!SettingsStore::validKey(entry.key()))
+                     return c.fail(Checker::child(path, entry.key()),
+                                   "a settings key (a relative path such as db/setting/x)",
+                                   Json(entry.key()));
+             return true;
+         }},
+        {"storage",
+         [&c, kCountMax](const Json &v, const std::string &path) {
+             if (!c.fields(v, path,
+                           {{"block_size", c.integer(1, kCountMax)},
+                            {"total_blocks", c.integer(0, kCountMax)},
+                            {"available_blocks", c.integer(0, kCountMax)}}))
+                 return false;
+             if (v.contains("total_blocks") && v.contains("available_blocks") &&
+                 v["available_blocks"].get<long long>() > v["total_blocks"].get<long long>())
+                 return c.fail(path + ".available_blocks",
+                               "at most total_blocks (" + v["total_blocks"].dump() + ")",
+                               v["available_blocks"]);
+             return true;
+         }},
+        {"policy",
+         [&c](const Json &v, const std::string &path) {
+             return c.fields(v, path,
+                             {{"service", c.boolean()},
+                              {"allow_usb_debugging", c.integer()},
+                              {"change_allowed", c.boolean()}});
+         }},
+        {"preferences", c.mapOf(c.scalar())},
+        {"media", c.mapOf(c.mapOf(c.scalar()))},
+        {"faults", c.arrayOf([&c](const Json &v, const std::string &path) {
+             if (!c.fields(v, path,
+                           {{"call", c.string(false)}, {"key", c.string()}, {"code", c.integer()}}))
+                 return false;
+             if (!v.contains("call"))
+                 return c.failMissing(path + ".call", "the failing call's C function name");
+             if (!v.contains("code"))
+                 return c.failMissing(path + ".code", "the error code it returns");
+             return true;
+         })},
+    };
+    for (const char *section : kOpenSections)
+        known[section] = c.anyObject();
+    if (!c.fields(json, "", known)) {
+        *error = c.error();
+        return false;
+    }
+    return true;
+}
+
+// Line and column (both from 1) of a byte offset.
 std::string lineColumn(const std::string &text, size_t byte) {
     size_t line = 1, column = 1;
-    for (size_t i = 0; i < byte && i < text.size(); ++i) {
-        if (text[i] == '\n') {
+    for (size_t k = 0; k < byte && k < text.size(); ++k) {
+        if (text[k] == '\n') {
             ++line;
             column = 1;
         } else {
@@ -90,6 +248,13 @@ std::string lineColumn(const std::string &text, size_t byte) {
         }
     }
     return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+// The parser's own explanation, without its exception id and position.
+std::string parseReason(const std::string &what) {
+    size_t column = what.find(", column ");
+    size_t colon = what.find(": ", column == std::string::npos ? 0 : column);
+    return colon == std::string::npos ? what : what.substr(colon + 2);
 }
 
 }  // namespace
@@ -103,95 +268,21 @@ bool Profile::load(const std::string &path, std::string *error) {
 
 bool Profile::parse(const std::string &text, const std::string &sourceName, std::string *error) {
     _warnings.clear();
+    Json parsed;
     try {
-        _json = Json::parse(text);
+        parsed = Json::parse(text);
     } catch (const Json::parse_error &e) {
-        // e.byte is one past the offending character.
+        // e.byte counts from 1 and points at the character that broke the parse.
         size_t at = e.byte > 0 ? e.byte - 1 : 0;
-        std::string what = e.what();
-        size_t colon = what.rfind(": ");
         *error = sourceName + ": " + lineColumn(text, at) + ": malformed JSON (" +
-                 (colon == std::string::npos ? what : what.substr(colon + 2)) + ")";
+                 parseReason(e.what()) + ")";
         return false;
     }
-    return _validate(sourceName, error);
-}
-
-bool Profile::_validate(const std::string &source, std::string *error) {
-    Checker c{source, &_warnings, ""};
-    if (!c.object(_json, "(top level)")) {
-        *error = c.error;
+    std::vector<std::string> warnings;
+    if (!validate(parsed, sourceName, &warnings, error))
         return false;
-    }
-    std::map<std::string, std::function<bool(const Json &)>> known = {
-        {"description", c.isString("description")},
-        {"system_info",
-         [&c](const Json &v) {
-             return c.fields(
-                 v, "system_info",
-                 {{"platform",
-                   [&c](const Json &p) { return c.scalarMap(p, "system_info.platform"); }},
-                  {"vendor",
-                   [&c](const Json &p) { return c.scalarMap(p, "system_info.vendor"); }}});
-         }},
-        {"settings",
-         [&c](const Json &v) {
-             if (!c.scalarMap(v, "settings"))
-                 return false;
-             for (auto &entry : v.items())
-                 if (!SettingsStore::validKey(entry.key()))
-                     return c.fail("settings." + entry.key(), "a settings key path", entry.key());
-             return true;
-         }},
-        {"storage",
-         [&c](const Json &v) {
-             return c.fields(v, "storage",
-                             {{"block_size", c.isCount("storage.block_size")},
-                              {"total_blocks", c.isCount("storage.total_blocks")},
-                              {"available_blocks", c.isCount("storage.available_blocks")}});
-         }},
-        {"policy",
-         [&c](const Json &v) {
-             return c.fields(v, "policy",
-                             {{"service", c.isBool("policy.service")},
-                              {"allow_usb_debugging", c.isInt("policy.allow_usb_debugging")},
-                              {"change_allowed", c.isBool("policy.change_allowed")}});
-         }},
-        {"preferences", [&c](const Json &v) { return c.scalarMap(v, "preferences"); }},
-        {"media",
-         [&c](const Json &v) {
-             if (!c.object(v, "media"))
-                 return false;
-             for (auto &entry : v.items())
-                 if (!c.scalarMap(entry.value(), "media." + entry.key()))
-                     return false;
-             return true;
-         }},
-        {"faults",
-         [&c](const Json &v) {
-             if (!v.is_array())
-                 return c.fail("faults", "an array", v);
-             for (size_t i = 0; i < v.size(); ++i) {
-                 std::string path = "faults[" + std::to_string(i) + "]";
-                 if (!c.fields(v[i], path,
-                               {{"call", c.isString(path + ".call")},
-                                {"key", c.isString(path + ".key")},
-                                {"code", c.isInt(path + ".code")}}))
-                     return false;
-                 if (!v[i].contains("call"))
-                     return c.fail(path + ".call", "a string (the failing call)", Json());
-                 if (!v[i].contains("code"))
-                     return c.fail(path + ".code", "an integer (the error code)", Json());
-             }
-             return true;
-         }},
-    };
-    for (const char *section : kOpenSections)
-        known[section] = [&c, section](const Json &v) { return c.object(v, section); };
-    if (!c.fields(_json, "(top level)", known)) {
-        *error = c.error;
-        return false;
-    }
+    _json = std::move(parsed);
+    _warnings = std::move(warnings);
     return true;
 }
 
@@ -201,9 +292,9 @@ std::string Profile::description() const {
 }
 
 bool Profile::seed(const std::string &stateDir, std::string *error) const {
-    if (!makeDirs(stateDir, error))
-        return false;
     SettingsStore store(stateDir);
+    if (!makeDirs(store.root(), error))
+        return false;
     auto settings = _json.find("settings");
     if (settings != _json.end()) {
         for (auto &entry : settings->items()) {
@@ -219,22 +310,37 @@ bool Profile::seed(const std::string &stateDir, std::string *error) const {
                 value = SettingValue::ofString(v.get<std::string>());
             std::string reason;
             if (store.write(entry.key(), value, &reason) != SettingsStore::Ok) {
-                *error = "settings." + entry.key() + ": " + reason;
+                *error = "seeding settings[\"" + entry.key() + "\"]: " + reason;
                 return false;
             }
         }
     }
-    // Written last: its presence marks a seeded state directory.
     return writeFileAtomic(stateDir + "/profile.json", _json.dump(2) + "\n", error);
 }
 
 std::string Profile::resolve(const std::string &nameOrPath, const std::string &dir) {
-    struct stat st;
+    if (nameOrPath.empty())
+        return "";
     if (nameOrPath.find('/') != std::string::npos ||
         (nameOrPath.size() > 5 && nameOrPath.compare(nameOrPath.size() - 5, 5, ".json") == 0))
         return nameOrPath;
     std::string candidate = dir + "/" + nameOrPath + ".json";
-    return stat(candidate.c_str(), &st) == 0 ? candidate : "";
+    return fileExists(candidate) ? candidate : "";
+}
+
+std::vector<std::string> Profile::names(const std::string &dir) {
+    std::vector<std::string> names;
+    DIR *d = opendir(dir.c_str());
+    if (!d)
+        return names;
+    while (struct dirent *entry = readdir(d)) {
+        std::string name = entry->d_name;
+        if (name.size() > 5 && name[0] != '.' && name.compare(name.size() - 5, 5, ".json") == 0)
+            names.push_back(name.substr(0, name.size() - 5));
+    }
+    closedir(d);
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 }  // namespace sim

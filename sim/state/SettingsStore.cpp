@@ -4,14 +4,47 @@
 
 #include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "StatePaths.h"
 
 namespace sim {
+
+namespace {
+
+// Strict decimal: an optional minus sign and digits, nothing around them.
+bool parseInt(const std::string &text, int *out) {
+    size_t start = !text.empty() && text[0] == '-' ? 1 : 0;
+    if (text.size() == start || text.size() > 12)
+        return false;
+    for (size_t k = start; k < text.size(); ++k)
+        if (text[k] < '0' || text[k] > '9')
+            return false;
+    long long v = strtoll(text.c_str(), nullptr, 10);
+    if (v < INT32_MIN || v > INT32_MAX)
+        return false;
+    *out = static_cast<int>(v);
+    return true;
+}
+
+bool parseDouble(const std::string &text, double *out) {
+    // strtod also takes leading blanks, hex and "inf"; a value file holds none of those.
+    if (text.empty() || isspace(static_cast<unsigned char>(text[0])) ||
+        text.find_first_of("xXpP") != std::string::npos)
+        return false;
+    char *end = nullptr;
+    errno = 0;
+    double v = strtod(text.c_str(), &end);
+    if (*end || !std::isfinite(v) || (errno == ERANGE && v != 0))
+        return false;
+    *out = v;
+    return true;
+}
+
+}  // namespace
 
 SettingValue SettingValue::ofBool(bool v) {
     SettingValue value;
@@ -57,15 +90,25 @@ const char *SettingValue::typeName(Type type) {
 }
 
 std::string SettingValue::text() const {
-    char buffer[64];
     switch (type) {
         case Bool:
             return b ? "true" : "false";
         case Int:
             return std::to_string(i);
-        case Double:
-            snprintf(buffer, sizeof(buffer), "%.17g", d);
+        case Double: {
+            char buffer[64];
+            // Whole numbers read best without an exponent; others in their shortest exact form.
+            if (std::fabs(d) < 1e15 && d == std::floor(d)) {
+                snprintf(buffer, sizeof(buffer), "%.0f", d);
+                return buffer;
+            }
+            for (int precision = 1; precision <= 17; ++precision) {
+                snprintf(buffer, sizeof(buffer), "%.*g", precision, d);
+                if (strtod(buffer, nullptr) == d)
+                    break;
+            }
             return buffer;
+        }
         case String:
             return s;
         default:
@@ -75,32 +118,30 @@ std::string SettingValue::text() const {
 
 bool SettingValue::parse(const std::string &type, const std::string &text, SettingValue *out,
                          std::string *error) {
-    char *end = nullptr;
-    errno = 0;
     if (type == "bool") {
-        if (text == "true" || text == "1")
+        if (text == "true" || text == "1") {
             *out = ofBool(true);
-        else if (text == "false" || text == "0")
+        } else if (text == "false" || text == "0") {
             *out = ofBool(false);
-        else {
-            *error = "a bool is true or false, not '" + text + "'";
+        } else {
+            *error = "a bool is true or false (or 1 or 0), not '" + text + "'";
             return false;
         }
         return true;
     }
     if (type == "int") {
-        long v = strtol(text.c_str(), &end, 10);
-        if (text.empty() || *end || errno == ERANGE || v < INT32_MIN || v > INT32_MAX) {
-            *error = "not a 32-bit integer: '" + text + "'";
+        int v;
+        if (!parseInt(text, &v)) {
+            *error = "an int is a 32-bit decimal integer, not '" + text + "'";
             return false;
         }
-        *out = ofInt(static_cast<int>(v));
+        *out = ofInt(v);
         return true;
     }
     if (type == "double") {
-        double v = strtod(text.c_str(), &end);
-        if (text.empty() || *end || !std::isfinite(v)) {
-            *error = "not a number: '" + text + "'";
+        double v;
+        if (!parseDouble(text, &v)) {
+            *error = "a double is a finite decimal number, not '" + text + "'";
             return false;
         }
         *out = ofDouble(v);
@@ -114,52 +155,100 @@ bool SettingValue::parse(const std::string &type, const std::string &text, Setti
     return false;
 }
 
-SettingsStore::SettingsStore(std::string stateDir) : _root(std::move(stateDir) + "/settings") {}
+bool SettingValue::operator==(const SettingValue &other) const {
+    if (type != other.type)
+        return false;
+    switch (type) {
+        case Bool:
+            return b == other.b;
+        case Int:
+            return i == other.i;
+        case Double:
+            return d == other.d;
+        case String:
+            return s == other.s;
+        default:
+            return true;
+    }
+}
+
+SettingsStore::SettingsStore(const std::string &stateDir) : _root(stateDir + "/settings") {}
 
 bool SettingsStore::validKey(const std::string &key) {
     if (key.empty() || key.size() > 255 || key[0] == '/' || key.back() == '/')
         return false;
-    // Keys are paths of plain names: no empty, "." or ".." parts that could leave the store.
+    for (char c : key)
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
+            return false;
     size_t start = 0;
-    while (start <= key.size()) {
+    for (;;) {
         size_t slash = key.find('/', start);
-        std::string part =
-            key.substr(start, slash == std::string::npos ? std::string::npos : slash - start);
-        if (part.empty() || part == "." || part == ".." || part.find(".tmp.") != std::string::npos)
+        std::string part = key.substr(start, slash == std::string::npos ? slash : slash - start);
+        if (part.empty() || part == "." || part == ".." ||
+            part.find(kTempMarker) != std::string::npos)
             return false;
         if (slash == std::string::npos)
-            break;
+            return true;
         start = slash + 1;
     }
-    for (char c : key)
-        if (static_cast<unsigned char>(c) < 0x20)
-            return false;
-    return true;
 }
 
 std::string SettingsStore::pathOf(const std::string &key) const {
     return _root + "/" + key;
 }
 
+std::string SettingsStore::keyOf(const std::string &path) const {
+    if (path.size() <= _root.size() + 1 || path.compare(0, _root.size(), _root) != 0 ||
+        path[_root.size()] != '/')
+        return "";
+    std::string key = path.substr(_root.size() + 1);
+    return validKey(key) ? key : "";
+}
+
 std::string SettingsStore::encode(const SettingValue &value) {
-    return std::string(SettingValue::typeName(value.type)) + ":" +
-           (value.type == SettingValue::Bool ? (value.b ? "1" : "0") : value.text());
+    std::string text;
+    switch (value.type) {
+        case SettingValue::Bool:
+            text = value.b ? "1" : "0";
+            break;
+        case SettingValue::Double: {
+            char buffer[64];
+            snprintf(buffer, sizeof(buffer), "%.17g", value.d);
+            text = buffer;
+            break;
+        }
+        default:
+            text = value.text();
+    }
+    return std::string(SettingValue::typeName(value.type)) + ":" + text;
 }
 
 bool SettingsStore::decode(const std::string &content, SettingValue *value, std::string *error) {
     size_t colon = content.find(':');
     if (colon == std::string::npos) {
-        *error = "no type prefix";
+        *error = content.empty() ? "empty file" : "no '<type>:' prefix";
         return false;
     }
     std::string type = content.substr(0, colon);
     std::string text = content.substr(colon + 1);
-    if (type == "bool" && text != "0" && text != "1") {
-        *error = "bool value '" + text + "' is neither 0 nor 1";
+    // A hand-edited file usually ends with a newline; it is not part of a number.
+    if (type != "string" && !text.empty() && text.back() == '\n')
+        text.pop_back();
+    SettingValue decoded;
+    if (type == "bool") {
+        if (text != "0" && text != "1") {
+            *error = "bool value '" + text + "' is neither 0 nor 1";
+            return false;
+        }
+        decoded = SettingValue::ofBool(text == "1");
+    } else if (type == "int" || type == "double" || type == "string") {
+        if (!SettingValue::parse(type, text, &decoded, error))
+            return false;
+    } else {
+        *error = "unknown type '" + type + "'";
         return false;
     }
-    if (!SettingValue::parse(type, text, value, error))
-        return false;
+    *value = decoded;
     return true;
 }
 
@@ -170,11 +259,12 @@ SettingsStore::Result SettingsStore::read(const std::string &key, SettingValue *
         return BadKey;
     }
     std::string content;
-    std::string reason;
-    if (!readFile(pathOf(key), &content, &reason)) {
-        *error = reason;
-        return errno == ENOENT || errno == ENOTDIR ? Missing : IoError;
+    int err = 0;
+    if (!readFile(pathOf(key), &content, error, &err)) {
+        // A directory is a group of keys, not a value.
+        return err == ENOENT || err == ENOTDIR || err == EISDIR ? Missing : IoError;
     }
+    std::string reason;
     if (!decode(content, value, &reason)) {
         *error = pathOf(key) + ": corrupt value (" + reason + ")";
         return Corrupt;
@@ -188,7 +278,15 @@ SettingsStore::Result SettingsStore::write(const std::string &key, const Setting
         *error = "invalid key '" + key + "'";
         return BadKey;
     }
+    if (value.type == SettingValue::None) {
+        *error = key + ": a value needs a type";
+        return BadKey;
+    }
     std::string path = pathOf(key);
+    if (isDirectory(path)) {
+        *error = key + ": is a group of keys (" + path + " is a directory)";
+        return IoError;
+    }
     if (!makeDirs(path.substr(0, path.rfind('/')), error))
         return IoError;
     return writeFileAtomic(path, encode(value), error) ? Ok : IoError;
@@ -200,8 +298,9 @@ SettingsStore::Result SettingsStore::remove(const std::string &key, std::string 
         return BadKey;
     }
     if (unlink(pathOf(key).c_str()) != 0) {
-        *error = "unlink(" + pathOf(key) + "): " + strerror(errno);
-        return errno == ENOENT ? Missing : IoError;
+        int err = errno;
+        *error = sysError("unlink", pathOf(key), err);
+        return err == ENOENT || err == ENOTDIR ? Missing : IoError;
     }
     return Ok;
 }

@@ -44,7 +44,9 @@ std::string dataDir() {
     return slash == std::string::npos || slash == 0 ? "/" : bin.substr(0, slash);
 }
 
-std::string profilesDir() { return dataDir() + "/profiles"; }
+std::string profilesDir() {
+    return dataDir() + "/profiles";
+}
 
 std::string absolutePath(const std::string &path) {
     if (path.empty() || path[0] == '/')
@@ -69,23 +71,24 @@ bool fileExists(const std::string &path) {
 }
 
 bool makeDirs(const std::string &path, std::string *error) {
+    if (path.empty()) {
+        if (error)
+            *error = sysError("mkdir", path, ENOENT);
+        return false;
+    }
     size_t pos = 0;
     while (pos != std::string::npos) {
         pos = path.find('/', pos + 1);
         std::string partial = path.substr(0, pos);
         if (partial.empty())
             continue;
-        if (mkdir(partial.c_str(), 0755) == 0 || errno != EEXIST)
+        if (mkdir(partial.c_str(), 0755) == 0)
             continue;
-        if (errno == EEXIST && !isDirectory(partial)) {
-            if (error)
-                *error = sysError("mkdir", partial, ENOTDIR);
-            return false;
-        }
-    }
-    if (!isDirectory(path)) {
+        int err = errno;
+        if (err == EEXIST && isDirectory(partial))
+            continue;
         if (error)
-            *error = sysError("mkdir", path, errno ? errno : ENOTDIR);
+            *error = sysError("mkdir", partial, err == EEXIST ? ENOTDIR : err);
         return false;
     }
     return true;
@@ -94,8 +97,8 @@ bool makeDirs(const std::string &path, std::string *error) {
 bool writeFileAtomic(const std::string &path, const std::string &content, std::string *error) {
     // Unique per process and per write, so concurrent writers never share a temporary file.
     static std::atomic<unsigned> counter{0};
-    std::string tmp = path + kTempMarker + std::to_string(getpid()) + "." +
-                      std::to_string(counter.fetch_add(1));
+    std::string tmp =
+        path + kTempMarker + std::to_string(getpid()) + "." + std::to_string(counter.fetch_add(1));
     int fd = open(tmp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
     if (fd < 0) {
         if (error)

@@ -47,11 +47,17 @@ bool step(sqlite3 *db, sqlite3_stmt *stmt, std::string *error) {
 UsageDb::UsageDb() : _db(nullptr) {}
 
 UsageDb::~UsageDb() {
+    close();
+}
+
+void UsageDb::close() {
     if (_db)
         sqlite3_close(_db);
+    _db = nullptr;
 }
 
 bool UsageDb::open(const std::string &stateDir, std::string *error) {
+    close();
     std::string path = stateDir + "/usage.db";
     if (sqlite3_open_v2(path.c_str(), &_db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) !=
         SQLITE_OK) {
@@ -139,7 +145,7 @@ long long UsageDb::addJournal(const std::string &request, const std::string &app
     bindText(stmt, 2, request.c_str());
     bindText(stmt, 3, appId.empty() ? nullptr : appId.c_str());
     bindText(stmt, 4, operation.empty() ? nullptr : operation.c_str());
-    bindText(stmt, 5, extraJson.c_str());
+    bindText(stmt, 5, extraJson.empty() ? nullptr : extraJson.c_str());
     sqlite3_bind_int(stmt, 6, launchMode);
     sqlite3_bind_int(stmt, 7, result);
     if (launchId)

@@ -20,12 +20,14 @@ public:
     // Opens (and creates) <stateDir>/usage.db.
     bool open(const std::string &stateDir, std::string *error);
     bool isOpen() const { return _db != nullptr; }
+    void close();
 
     bool addRecord(const std::string &uri, const std::string &appId, const std::string &feature,
                    const char *extra, const char *value, std::string *error);
     bool addCall(const std::string &busName, const std::string &path, const std::string &iface,
                  const std::string &method, std::string *error);
-    // Returns the new journal id, or 0 on failure.
+    // Returns the new journal id, or 0 on failure. extraJson is a JSON object ("" for none);
+    // launchId (for a terminate request) is the journal id of the launch it ends, 0 for none.
     long long addJournal(const std::string &request, const std::string &appId,
                          const std::string &operation, const std::string &extraJson, int launchMode,
                          int result, long long launchId, std::string *error);
