@@ -29,6 +29,11 @@ const char *const kUsage =
     "  event language LANG     switch the language (en, de, de_DE, de_DE.UTF-8)\n"
     "  event policy usb-debugging STATUS\n"
     "                          device policy on debugging: 1 restricted, 0 allowed\n"
+    "  event sim-refresh [--msisdn NUMBER]\n"
+    "                          the SIM was refreshed (optionally with a new number)\n"
+    "  event esim TYPE DATA [--profiles FILE]\n"
+    "                          an eSIM event; FILE holds the new profile list (JSON)\n"
+    "  event home              the home key was pressed\n"
     "  profiles                list the device profiles\n"
     "  usage                   usage records and log-provider calls, as JSON lines\n"
     "  launches                launch and terminate requests, as JSON lines\n"
@@ -175,7 +180,7 @@ std::string languageSetting(const std::string &lang) {
 
 int cmdEvent(const Watch &watch, const std::vector<std::string> &args) {
     if (args.empty())
-        return usageError("event needs a kind (launch, language, policy)");
+        return usageError("event needs a kind (launch, language, policy, sim-refresh, esim, home)");
     const std::string &kind = args[0];
     std::vector<std::string> rest(args.begin() + 1, args.end());
     if (kind == "language") {
@@ -191,6 +196,29 @@ int cmdEvent(const Watch &watch, const std::vector<std::string> &args) {
             sim::SettingsStore::Ok)
             return fail(error);
         return 0;
+    }
+    if (kind == "sim-refresh") {
+        // [--msisdn NUMBER]
+        if (rest.empty())
+            return sendEvent(watch, kind, {});
+        if (rest.size() == 2 && rest[0] == "--msisdn")
+            return sendEvent(watch, kind, {rest[1]});
+        return usageError("event sim-refresh takes [--msisdn NUMBER]");
+    }
+    if (kind == "esim") {
+        // TYPE DATA [--profiles FILE]: the file's profile list travels as JSON.
+        if (rest.size() == 2)
+            return sendEvent(watch, kind, rest);
+        if (rest.size() == 4 && rest[2] == "--profiles") {
+            std::string text, error;
+            if (!sim::readFile(rest[3], &text, &error))
+                return fail(error);
+            nlohmann::json profiles = nlohmann::json::parse(text, nullptr, false);
+            if (profiles.is_discarded() || !profiles.is_array())
+                return fail(rest[3] + ": not a JSON array of eSIM profiles");
+            return sendEvent(watch, kind, {rest[0], rest[1], profiles.dump()});
+        }
+        return usageError("event esim takes TYPE DATA [--profiles FILE]");
     }
     return sendEvent(watch, kind, rest);
 }

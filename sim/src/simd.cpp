@@ -33,6 +33,9 @@ const char *const kSimInterface = "com.nerova.quillset.Sim";
 const char *const kErrorUnknownEvent = "com.nerova.quillset.Sim.Error.UnknownEvent";
 const char *const kErrorInvalidArgs = "com.nerova.quillset.Sim.Error.InvalidArgs";
 
+const char *const kHomePath = "/Org/Tizen/Coreapps/home/raise";
+const char *const kHomeInterface = "org.tizen.coreapps.home.raise";
+
 const char *const kLogName = "com.nerova.logmgr";
 const char *const kLogPath = "/com/nerova/logmgr/log/provider/report_app_status_survey";
 const char *const kLogInterface = "com.nerova.logmgr.log.provider.use_app_feature_survey";
@@ -41,6 +44,7 @@ struct Daemon {
     Eldbus_Connection *bus = nullptr;
     Eldbus_Service_Interface *simInterface = nullptr;
     Eldbus_Service_Interface *logInterface = nullptr;
+    Eldbus_Service_Interface *homeInterface = nullptr;
     sim::UsageDb usage;
     FILE *log = nullptr;
     int namesPending = 2;
@@ -92,7 +96,21 @@ const char *checkEvent(const std::string &kind, const std::vector<std::string> &
         *problem = "event 'policy' takes: usb-debugging STATUS (a number)";
         return kErrorInvalidArgs;
     }
-    *problem = "unknown event kind '" + kind + "' (known: launch, home, policy)";
+    if (kind == "sim-refresh") {
+        // Optionally the SIM's new phone number.
+        if (args.size() <= 1)
+            return nullptr;
+        *problem = "event 'sim-refresh' takes at most a phone number";
+        return kErrorInvalidArgs;
+    }
+    if (kind == "esim") {
+        // TYPE, DATA and optionally the new profile list as JSON.
+        if ((args.size() == 2 || args.size() == 3) && isNumber(args[0]))
+            return nullptr;
+        *problem = "event 'esim' takes: TYPE (a number) DATA [PROFILES-JSON]";
+        return kErrorInvalidArgs;
+    }
+    *problem = "unknown event kind '" + kind + "' (known: launch, home, policy, sim-refresh, esim)";
     return kErrorUnknownEvent;
 }
 
@@ -128,6 +146,9 @@ Eldbus_Message *eventCb(const Eldbus_Service_Interface *iface, const Eldbus_Mess
         return eldbus_message_error_new(msg, "org.freedesktop.DBus.Error.Failed",
                                         "the event could not be emitted");
     }
+    // The home key is announced the platform's own way as well.
+    if (!strcmp(kind, "home") && g_daemon.homeInterface)
+        eldbus_service_signal_emit(g_daemon.homeInterface, 0);
     say("event %s%s from %s", kind, joined.c_str(), eldbus_message_sender_get(msg));
     return eldbus_message_method_return_new(msg);
 }
@@ -150,6 +171,10 @@ const Eldbus_Signal kSimSignals[] = {{"Event", ELDBUS_ARGS({"s", "kind"}, {"as",
                                      {nullptr, nullptr, 0}};
 const Eldbus_Service_Interface_Desc kSimDesc = {kSimInterface, kSimMethods, kSimSignals,
                                                 nullptr,       nullptr,     nullptr};
+
+const Eldbus_Signal kHomeSignals[] = {{"homeraise", nullptr, 0}, {nullptr, nullptr, 0}};
+const Eldbus_Service_Interface_Desc kHomeDesc = {kHomeInterface, nullptr, kHomeSignals,
+                                                 nullptr,        nullptr, nullptr};
 
 const Eldbus_Method kLogMethods[] = {{"Select", nullptr, nullptr, selectCb, 0},
                                      {nullptr, nullptr, nullptr, nullptr, 0}};
@@ -233,6 +258,8 @@ int main() {
                                          disconnectedCb, nullptr);
     g_daemon.simInterface = eldbus_service_interface_register(g_daemon.bus, kSimPath, &kSimDesc);
     g_daemon.logInterface = eldbus_service_interface_register(g_daemon.bus, kLogPath, &kLogDesc);
+    g_daemon.homeInterface =
+        eldbus_service_interface_register(g_daemon.bus, kHomePath, &kHomeDesc);
     eldbus_name_request(g_daemon.bus, kSimName, ELDBUS_NAME_REQUEST_FLAG_DO_NOT_QUEUE, nameCb,
                         const_cast<char *>(kSimName));
     eldbus_name_request(g_daemon.bus, kLogName, ELDBUS_NAME_REQUEST_FLAG_DO_NOT_QUEUE, nameCb,
@@ -243,6 +270,7 @@ int main() {
     say("stopping");
     eldbus_service_interface_unregister(g_daemon.simInterface);
     eldbus_service_interface_unregister(g_daemon.logInterface);
+    eldbus_service_interface_unregister(g_daemon.homeInterface);
     eldbus_connection_unref(g_daemon.bus);
     eldbus_shutdown();
     ecore_shutdown();
