@@ -72,17 +72,33 @@ Evas_Object *StInfoMainViewController::onCreateView(Evas_Object *parent, void *)
     // The title row is display-only and the one row that keeps no item handle.
     appendRow(genlist, new StInfoTitleItem(kTitle), false);
 
+    _addDeviceInformationEntry(genlist);
     for (int type : {StInfoGeneralMenuItem::MODEL_NUMBER, StInfoGeneralMenuItem::STORAGE}) {
         auto *fact = new StInfoGeneralMenuItem(type);
         fact->setElmObjectItem(appendRow(genlist, fact, false));
     }
-
+    _addInformationPageEntries(genlist);
     _addSwitches(genlist);
     _addPrivacyNotice(genlist);
     _addRelativeLinks(genlist);
 
     evas_object_smart_callback_add(genlist, "realized", _realizedCb, this);
     return genlist;
+}
+
+void StInfoMainViewController::_addPageEntry(Evas_Object *genlist, const char *textId,
+                                             std::function<app_assist::WViewController *()> page) {
+    auto *entry = new StInfoMenuItem(textId);
+    entry->setElmObjectItem(appendRow(genlist, entry, true));
+    entry->setOnSelect([this, page]() { getNaviframeController()->push(page()); });
+}
+
+void StInfoMainViewController::_addDeviceInformationEntry(Evas_Object *) {
+    // The device status page's entry.
+}
+
+void StInfoMainViewController::_addInformationPageEntries(Evas_Object *) {
+    // Software, battery, regulatory and licence entries.
 }
 
 void StInfoMainViewController::_addSwitches(Evas_Object *genlist) {

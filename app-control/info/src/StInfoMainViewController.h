@@ -3,6 +3,8 @@
 
 #include <WContentViewController.h>
 
+#include <functional>
+
 // The About list: the first screen of the application.
 class StInfoMainViewController : public app_assist::WContentViewController {
 public:
@@ -15,6 +17,11 @@ protected:
     void onBecomeTop() override;
 
 private:
+    // An entry that opens a page: page() makes the view to push.
+    void _addPageEntry(Evas_Object *genlist, const char *textId,
+                       std::function<app_assist::WViewController *()> page);
+    void _addDeviceInformationEntry(Evas_Object *genlist);
+    void _addInformationPageEntries(Evas_Object *genlist);
     void _addSwitches(Evas_Object *genlist);
     void _addPrivacyNotice(Evas_Object *genlist);
     void _addRelativeLinks(Evas_Object *genlist);
