@@ -16,6 +16,8 @@
 
 using namespace app_assist;
 
+extern "C" int _nl_msg_cat_cntr;
+
 namespace {
 
 struct Events {
@@ -263,4 +265,31 @@ TEST_F(AppAssistTest, WeakHandleExpiresWithItsObject) {
     EXPECT_TRUE(first.expired());
     EXPECT_TRUE(second.expired());
     EXPECT_TRUE(wevasobject_get_weak_ptr(nullptr).expired());
+}
+
+TEST_F(AppAssistTest, TranslatablePopupTextsFollowALanguageChange) {
+    WNaviframeController *naviframe = makeNaviframe();
+    auto *page = new Page(events, "main");
+    naviframe->push(page);
+    auto *popup = new WPopupController();
+    popup->setTextTranslatable("quillset");
+    popup->setTitle("WDS_ST_MBODY_DEBUGGING_ABB");
+    popup->setContent("IDS_ST_TPOP_SECURITY_POLICY_RESTRICTS_CHANGING_SETTINGS");
+    popup->addButton("WDS_ST_BUTTON_OK_ABB", [](bool *destroy) { *destroy = true; });
+    page->attachPopup(popup);
+    settle();
+    Evas_Object *obj = popup->getEvasObject();
+    EXPECT_STREQ(elm_object_part_text_get(obj, "title,text"), "Debugging");
+    EXPECT_STREQ(elm_object_text_get(popup->getButtons()[0]), "OK");
+
+    setenv("LANGUAGE", "de", 1);
+    ++_nl_msg_cat_cntr;  // as the platform does when the language changes
+    elm_language_set("de_DE");
+    settle();
+    EXPECT_STREQ(elm_object_part_text_get(obj, "title,text"), "Debugging");
+    std::string text = elm_object_text_get(obj) ? elm_object_text_get(obj) : "";
+    EXPECT_NE(text.find("Sicherheitsrichtlinie"), std::string::npos) << text;
+    setenv("LANGUAGE", "en_US:en", 1);
+    ++_nl_msg_cat_cntr;
+    elm_language_set("en_US");
 }
