@@ -116,16 +116,27 @@ Evas_Object *StInfoReportDiagnosticPopupController::_createBody(Evas_Object *par
     return layout;
 }
 
-void StInfoReportDiagnosticPopupController::_bodyDelCb(void *data, Evas *, Evas_Object *layout,
-                                                       void *)
-{
-    auto *self = static_cast<StInfoReportDiagnosticPopupController *>(data);
+void StInfoReportDiagnosticPopupController::_releaseBody(Evas_Object *layout) {
     Evas_Object *textPart = const_cast<Evas_Object *>(
         edje_object_part_object_get(elm_layout_edje_get(layout), "elm.text"));
-    if (textPart && self->_textAccessObject)
+    if (textPart && _textAccessObject)
         elm_access_object_unregister(textPart);
-    self->_textAccessObject = nullptr;
-    self->_seeAllButton = nullptr;
+    _textAccessObject = nullptr;
+    _seeAllButton = nullptr;
+}
+
+void StInfoReportDiagnosticPopupController::_bodyDelCb(void *data, Evas *, Evas_Object *layout,
+                                                       void *) {
+    static_cast<StInfoReportDiagnosticPopupController *>(data)->_releaseBody(layout);
+}
+
+void StInfoReportDiagnosticPopupController::onDestroy() {
+    // The popup goes first and its body after it, when this controller is gone already.
+    if (Evas_Object *layout = getContentObject()) {
+        evas_object_event_callback_del_full(layout, EVAS_CALLBACK_DEL, _bodyDelCb, this);
+        _releaseBody(layout);
+    }
+    WPopupController::onDestroy();
 }
 
 void StInfoReportDiagnosticPopupController::_seeAllClickedCb(void *, Evas_Object *, void *) {

@@ -17,10 +17,12 @@ public:
 
 protected:
     Evas_Object *onCreateView(Evas_Object *parent, void *viewParam) override;
+    void onDestroy() override;
 
 private:
     Evas_Object *_createBody(Evas_Object *parent);
     static char *_descriptionCb(void *data, Evas_Object *obj);
+    void _releaseBody(Evas_Object *layout);
     static void _bodyDelCb(void *data, Evas *evas, Evas_Object *layout, void *eventInfo);
     static void _seeAllClickedCb(void *data, Evas_Object *obj, void *eventInfo);
 
