@@ -72,6 +72,23 @@ void collectByType(Evas_Object *obj, const char *type, std::vector<Evas_Object *
     eina_list_free(children);
 }
 
+// Like collectByType, but also looks inside the objects found.
+void collectAllByType(Evas_Object *obj, const char *type, std::vector<Evas_Object *> *found,
+                      int depth = 0) {
+    if (!obj || depth > 16)
+        return;
+    if (isType(obj, type))
+        found->push_back(obj);
+    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
+        return;
+    Eina_List *children = evas_object_smart_members_get(obj);
+    Eina_List *l;
+    void *child;
+    EINA_LIST_FOREACH(children, l, child)
+    collectAllByType(static_cast<Evas_Object *>(child), type, found, depth + 1);
+    eina_list_free(children);
+}
+
 json textOrNull(const char *text) {
     return text ? json(std::string(text)) : json(nullptr);
 }
@@ -191,6 +208,20 @@ std::vector<std::pair<Evas_Object *, std::string>> ScreenReader::popupButtons() 
 }
 
 Evas_Object *ScreenReader::toast() const {
+    Evas_Object *win = window();
+    if (!win)
+        return nullptr;
+    // Toasts are not part of any page: they are popups of their own on the window's canvas.
+    Evas *canvas = evas_object_evas_get(win);
+    for (Evas_Object *obj = evas_object_bottom_get(canvas); obj; obj = evas_object_above_get(obj)) {
+        std::vector<Evas_Object *> popups;
+        collectByType(obj, "elm_popup", &popups);
+        for (Evas_Object *popup : popups) {
+            const char *style = elm_object_style_get(popup);
+            if (style && !strcmp(style, "toast/circle") && evas_object_visible_get(popup))
+                return popup;
+        }
+    }
     return nullptr;
 }
 
@@ -204,7 +235,7 @@ json ScreenReader::rowTexts(Elm_Object_Item *item) {
     for (const std::string &part : styleParts(genlist, itc->item_style)) {
         char *text = itc->func.text_get(data, genlist, part.c_str());
         if (text) {
-            texts[part] = text;
+            texts[part] = plain(text);  // rows are textblocks: markup shows as text
             free(text);
         }
     }
@@ -247,14 +278,17 @@ json ScreenReader::dump(const SwitchStates &switches) const {
 
     out["layout"] = nullptr;
     if (view && !topList()) {
-        Evas_Object *layout = findByType(view->getEvasObject(), "elm_layout");
-        if (layout) {
+        // A page may nest its layout in a frame layout and a scroller: read every layout on it.
+        std::vector<Evas_Object *> layouts;
+        collectAllByType(view->getEvasObject(), "elm_layout", &layouts);
+        if (!layouts.empty()) {
             json parts = json::object();
-            for (const char *part : kLayoutParts) {
-                const char *text = elm_layout_text_get(layout, part);
-                if (text)
-                    parts[part] = plain(text);
-            }
+            for (Evas_Object *layout : layouts)
+                for (const char *part : kLayoutParts) {
+                    const char *text = elm_layout_text_get(layout, part);
+                    if (text && !parts.contains(part))
+                        parts[part] = plain(text);
+                }
             out["layout"] = parts;
         }
     }

@@ -34,9 +34,10 @@ TEST(AboutListE2E, DefaultWatchListsItsFactsSwitchesAndLinksInOrder) {
     EXPECT_EQ(screen["page"], "WDS_ST_BODY_ABOUT_KESTA_ABB");
     EXPECT_EQ(screen["depth"], 1);
     EXPECT_EQ(rowLabels(screen),
-              (std::vector<std::string>{"About Kesta", "Model number", "Storage", kConsent,
-                                        "Nerova Tessid Privacy Notice", kDebugging,
-                                        "Looking for this?", "Reset Kesta"}));
+              (std::vector<std::string>{
+                  "About Kesta", "Device information", "Model number", "Storage",
+                  "Software information", "Battery information", "Open source licences", kConsent,
+                  "Nerova Tessid Privacy Notice", kDebugging, "Looking for this?", "Reset Kesta"}));
     EXPECT_EQ(screen["items"][0]["style"], "title");
     EXPECT_FALSE(screen["items"][0]["selectable"].get<bool>());
     EXPECT_EQ(rowWithLabel(screen, "Model number")["texts"]["elm.text.1"], "QX-R925");

@@ -3,6 +3,8 @@
 // - com.nerova.quillset.sim: Event(kind, args) checks an event (a new launch request, a
 //   policy change...) and hands it to the running application as the signal Event(kind, args).
 // - com.nerova.logmgr: the log provider; its Select calls are recorded in the usage database.
+// - org.tizen.system.deviced: the device daemon's GetNum (serial and barcode text), as the
+//   profile's "deviced" section describes it.
 //
 // quillset-sim starts it with QUILLSET_READY_FD, a pipe on which it writes "ready" once both
 // names are owned, so that nothing talks to the watch before it serves.
@@ -21,6 +23,8 @@
 #include <ctime>
 #include <string>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "StatePaths.h"
 #include "UsageDb.h"
@@ -181,6 +185,89 @@ const Eldbus_Method kLogMethods[] = {{"Select", nullptr, nullptr, selectCb, 0},
 const Eldbus_Service_Interface_Desc kLogDesc = {kLogInterface, kLogMethods, nullptr,
                                                 nullptr,       nullptr,     nullptr};
 
+// ---- Device daemon: GetNum on the board object ---------------------------------------------
+// "deviced": {"present": true, "serial": "SN1,BAR1", "reply_delay_ms": 0}
+// An absent daemon does not own its name, so callers fail at once; a late one answers after the
+// delay.
+
+const char *const kDevicedName = "org.tizen.system.deviced";
+const char *const kDevicedBoardPath = "/Org/Tizen/System/DeviceD/Board";
+const char *const kDevicedBoardInterface = "org.tizen.system.deviced.Board";
+
+Eldbus_Service_Interface *g_devicedBoard = nullptr;
+
+// The profile's "deviced" section, read again for every call.
+nlohmann::json devicedProfile() {
+    std::string text, error;
+    if (!sim::readFile(sim::stateDirFromEnv() + "/profile.json", &text, &error)) {
+        say("device daemon: %s", error.c_str());
+        return nlohmann::json::object();
+    }
+    nlohmann::json profile = nlohmann::json::parse(text, nullptr, false);
+    if (profile.is_discarded() || !profile.is_object() || !profile.contains("deviced") ||
+        !profile["deviced"].is_object())
+        return nlohmann::json::object();
+    return profile["deviced"];
+}
+
+Eina_Bool devicedLateReplyCb(void *data) {
+    auto *reply = static_cast<Eldbus_Message *>(data);
+    eldbus_connection_send(g_daemon.bus, reply, nullptr, nullptr, -1);
+    say("GetNum answered late");
+    return ECORE_CALLBACK_CANCEL;
+}
+
+Eldbus_Message *devicedGetNumCb(const Eldbus_Service_Interface *, const Eldbus_Message *msg) {
+    nlohmann::json deviced = devicedProfile();
+    std::string serial = deviced.contains("serial") && deviced["serial"].is_string()
+                             ? deviced["serial"].get<std::string>()
+                             : "";
+    Eldbus_Message *reply = eldbus_message_method_return_new(msg);
+    eldbus_message_arguments_append(reply, "si", serial.c_str(), 0);
+    long delayMs =
+        deviced.contains("reply_delay_ms") && deviced["reply_delay_ms"].is_number_integer()
+            ? deviced["reply_delay_ms"].get<long>()
+            : 0;
+    if (delayMs > 0) {
+        say("GetNum from %s: answering in %ld ms", eldbus_message_sender_get(msg), delayMs);
+        ecore_timer_add(delayMs / 1000.0, devicedLateReplyCb, reply);
+        return nullptr;
+    }
+    say("GetNum from %s: '%s'", eldbus_message_sender_get(msg), serial.c_str());
+    return reply;
+}
+
+const Eldbus_Method kDevicedBoardMethods[] = {
+    {"GetNum", nullptr, ELDBUS_ARGS({"s", "num"}, {"i", "result"}), devicedGetNumCb, 0},
+    {nullptr, nullptr, nullptr, nullptr, 0}};
+const Eldbus_Service_Interface_Desc kDevicedBoardDesc = {
+    kDevicedBoardInterface, kDevicedBoardMethods, nullptr, nullptr, nullptr, nullptr};
+
+void nameCb(void *data, const Eldbus_Message *msg, Eldbus_Pending *);
+
+// Serves the board object unless the profile leaves the device daemon out.
+void devicedStart() {
+    nlohmann::json deviced = devicedProfile();
+    if (deviced.contains("present") && deviced["present"].is_boolean() &&
+        !deviced["present"].get<bool>()) {
+        say("device daemon left out by the profile");
+        return;
+    }
+    g_devicedBoard =
+        eldbus_service_interface_register(g_daemon.bus, kDevicedBoardPath, &kDevicedBoardDesc);
+    ++g_daemon.namesPending;
+    eldbus_name_request(g_daemon.bus, kDevicedName, ELDBUS_NAME_REQUEST_FLAG_DO_NOT_QUEUE, nameCb,
+                        const_cast<char *>(kDevicedName));
+}
+
+void devicedStop() {
+    if (g_devicedBoard)
+        eldbus_service_interface_unregister(g_devicedBoard);
+    g_devicedBoard = nullptr;
+}
+
+// ---- end of the device daemon -------------------------------------------------------------
+
 void reportReady() {
     say("serving %s and %s", kSimName, kLogName);
     const char *fd = getenv("QUILLSET_READY_FD");
@@ -258,12 +345,12 @@ int main() {
                                          disconnectedCb, nullptr);
     g_daemon.simInterface = eldbus_service_interface_register(g_daemon.bus, kSimPath, &kSimDesc);
     g_daemon.logInterface = eldbus_service_interface_register(g_daemon.bus, kLogPath, &kLogDesc);
-    g_daemon.homeInterface =
-        eldbus_service_interface_register(g_daemon.bus, kHomePath, &kHomeDesc);
+    g_daemon.homeInterface = eldbus_service_interface_register(g_daemon.bus, kHomePath, &kHomeDesc);
     eldbus_name_request(g_daemon.bus, kSimName, ELDBUS_NAME_REQUEST_FLAG_DO_NOT_QUEUE, nameCb,
                         const_cast<char *>(kSimName));
     eldbus_name_request(g_daemon.bus, kLogName, ELDBUS_NAME_REQUEST_FLAG_DO_NOT_QUEUE, nameCb,
                         const_cast<char *>(kLogName));
+    devicedStart();
 
     ecore_main_loop_begin();
 
@@ -271,6 +358,7 @@ int main() {
     eldbus_service_interface_unregister(g_daemon.simInterface);
     eldbus_service_interface_unregister(g_daemon.logInterface);
     eldbus_service_interface_unregister(g_daemon.homeInterface);
+    devicedStop();
     eldbus_connection_unref(g_daemon.bus);
     eldbus_shutdown();
     ecore_shutdown();

@@ -167,9 +167,7 @@ private:
 };
 
 // Sections read by parts of the watch that check their own contents.
-const char *const kOpenSections[] = {"telephony", "sim",     "esim",    "bluetooth",
-                                     "wifi",      "deviced", "csc",     "packages",
-                                     "latency",   "battery", "ringtone"};
+const char *const kOpenSections[] = {"battery", "ringtone"};
 
 bool validate(const Json &json, const std::string &source, std::vector<std::string> *warnings,
               std::string *error) {
@@ -214,6 +212,83 @@ bool validate(const Json &json, const std::string &source, std::vector<std::stri
                               {"allow_usb_debugging", c.integer()},
                               {"change_allowed", c.boolean()}});
          }},
+        // Installed packages by id: {"com.x.y": {"version": "1.0", "label": "Y"}}.
+        {"packages", c.mapOf([&c](const Json &v, const std::string &path) {
+             return c.fields(v, path, {{"version", c.string()}, {"label", c.string()}});
+         })},
+        // The modem: identifiers, versions and the VoLTE property.
+        {"telephony",
+         [&c](const Json &v, const std::string &path) {
+             return c.fields(v, path,
+                             {{"modem", c.boolean()},
+                              {"misc_version", c.boolean()},
+                              {"misc_sn", c.boolean()},
+                              {"sw_version", c.string()},
+                              {"hw_version", c.string()},
+                              {"prl_version", c.string()},
+                              {"eri_version", c.string()},
+                              {"esn", c.string()},
+                              {"meid", c.string()},
+                              {"imei", c.string()},
+                              {"imei_sv", c.string()},
+                              {"volte_enable", c.integer()}});
+         }},
+        // The SIM: its number ("" none, null a reply without data) and ICCID.
+        {"sim",
+         [&c](const Json &v, const std::string &path) {
+             return c.fields(v, path,
+                             {{"msisdn",
+                               [&c](const Json &n, const std::string &at) {
+                                   return n.is_null() || n.is_string() ||
+                                          c.fail(at, "a string or null", n);
+                               }},
+                              {"iccid", c.string()}});
+         }},
+        {"esim",
+         [&c](const Json &v, const std::string &path) {
+             return c.fields(
+                 v, path,
+                 {{"eid", c.string()},
+                  {"profiles", c.arrayOf([&c](const Json &e, const std::string &at) {
+                       return c.fields(
+                           e, at,
+                           {{"name", c.string()}, {"kind", c.integer()}, {"state", c.integer()}});
+                   })},
+                  {"profile_list_result", c.integer()},
+                  {"eid_result", c.integer()}});
+         }},
+        {"bluetooth",
+         [&c](const Json &v, const std::string &path) {
+             return c.fields(v, path, {{"address", c.string()}});
+         }},
+        {"wifi",
+         [&c](const Json &v, const std::string &path) {
+             return c.fields(v, path, {{"mac_address", c.string()}});
+         }},
+        // The device daemon: absent, or answering GetNum with the serial text, maybe late.
+        {"deviced",
+         [&c, kCountMax](const Json &v, const std::string &path) {
+             return c.fields(v, path,
+                             {{"present", c.boolean()},
+                              {"serial", c.string()},
+                              {"reply_delay_ms", c.integer(0, kCountMax)}});
+         }},
+        // Carrier configuration: boolean features by number, the approval version.
+        {"csc",
+         [&c](const Json &v, const std::string &path) {
+             if (!c.fields(v, path,
+                           {{"features", c.mapOf(c.boolean())}, {"approval_version", c.string()}}))
+                 return false;
+             if (v.contains("features"))
+                 for (auto &entry : v["features"].items())
+                     if (entry.key().empty() ||
+                         entry.key().find_first_not_of("0123456789") != std::string::npos)
+                         return c.fail(Checker::child(path + ".features", entry.key()),
+                                       "a feature number as key", Json(entry.key()));
+             return true;
+         }},
+        // Delays of asynchronous replies, in milliseconds.
+        {"latency", c.mapOf(c.integer(0, kCountMax))},
         {"preferences", c.mapOf(c.scalar())},
         {"media", c.mapOf(c.mapOf(c.scalar()))},
         {"faults", c.arrayOf([&c](const Json &v, const std::string &path) {

@@ -10,13 +10,18 @@
 #include "StAppControlLauncher.h"
 #include "StCircleSurfaceManager.h"
 #include "StInfoDefines.h"
+#include "StInfoBatteryViewController.h"
 #include "StInfoGeneralMenuItem.h"
 #include "StInfoGroupIndexItem.h"
 #include "StInfoMenuItem.h"
 #include "StInfoModel.h"
+#include "StInfoOpenSrcLicenseViewController.h"
 #include "StInfoPopupUtils.h"
+#include "StInfoRegulatoryInfoViewController.h"
 #include "StInfoReportDiagnosticItem.h"
 #include "StInfoReportDiagnosticPopupController.h"
+#include "StInfoStatusViewController.h"
+#include "StInfoSwViewController.h"
 #include "StInfoTitleItem.h"
 #include "StInfoUSBDebugItem.h"
 #include "StInfoUSBDebuggingPopupController.h"
@@ -93,12 +98,22 @@ void StInfoMainViewController::_addPageEntry(Evas_Object *genlist, const char *t
     entry->setOnSelect([this, page]() { getNaviframeController()->push(page()); });
 }
 
-void StInfoMainViewController::_addDeviceInformationEntry(Evas_Object *) {
-    // The device status page's entry.
+void StInfoMainViewController::_addDeviceInformationEntry(Evas_Object *genlist) {
+    _addPageEntry(genlist, "WDS_ST_TMBODY_DEVICE_INFORMATION",
+                  [] { return new StInfoStatusViewController(); });
 }
 
-void StInfoMainViewController::_addInformationPageEntries(Evas_Object *) {
-    // Software, battery, regulatory and licence entries.
+void StInfoMainViewController::_addInformationPageEntries(Evas_Object *genlist) {
+    _addPageEntry(genlist, "WDS_ST_TMBODY_SOFTWARE_INFORMATION",
+                  [] { return new StInfoSwViewController(); });
+    _addPageEntry(genlist, "WDS_ST_TMBODY_BATTERY_INFORMATION",
+                  [] { return new StInfoBatteryViewController(); });
+    // Only Indian devices carry the regulatory marks page.
+    if (StInfoModel::getInstance()->isIndiaCountry())
+        _addPageEntry(genlist, "WDS_ST_HEADER_REGULATORY_INFO_ABB",
+                      [] { return new StInfoRegulatoryInfoViewController(); });
+    _addPageEntry(genlist, "WDS_ST_HEADER_OPEN_SOURCE_LICENCES_ABB",
+                  [] { return new StInfoOpenSrcLicenseViewController(); });
 }
 
 void StInfoMainViewController::_addSwitches(Evas_Object *genlist) {

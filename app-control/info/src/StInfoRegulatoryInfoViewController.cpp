@@ -1,0 +1,62 @@
+#include "StInfoRegulatoryInfoViewController.h"
+
+#include <app.h>
+#include <efl_extension.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "StCircleSurfaceManager.h"
+#include "StInfoDefines.h"
+
+namespace {
+
+const char *const kTitle = "WDS_ST_HEADER_REGULATORY_INFO_ABB";
+
+}  // namespace
+
+StInfoRegulatoryInfoViewController::StInfoRegulatoryInfoViewController()
+    : _circleScroller(nullptr) {}
+
+StInfoRegulatoryInfoViewController::~StInfoRegulatoryInfoViewController() {}
+
+Evas_Object *StInfoRegulatoryInfoViewController::onCreateView(Evas_Object *parent, void *) {
+    setTitle(kTitle);
+
+    Evas_Object *frame = elm_layout_add(parent);
+    elm_layout_theme_set(frame, "layout", "application", "default");
+    evas_object_size_hint_weight_set(frame, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
+    evas_object_show(frame);
+
+    Evas_Object *scroller = elm_scroller_add(frame);
+    evas_object_size_hint_weight_set(scroller, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
+    elm_object_style_set(scroller, "effect");
+    elm_object_part_content_set(frame, "elm.swallow.content", scroller);
+
+    _circleScroller = eext_circle_object_scroller_add(
+        scroller, StCircleSurfaceManager::getInstance()->getCircleSurface());
+    eext_circle_object_scroller_policy_set(_circleScroller, ELM_SCROLLER_POLICY_OFF,
+                                           ELM_SCROLLER_POLICY_AUTO);
+    eext_rotary_object_event_activated_set(_circleScroller, EINA_TRUE);
+
+    // Without a resource directory the page keeps its frame and an empty scroller.
+    char path[4096] = {};
+    if (char *resources = app_get_resource_path()) {
+        snprintf(path, sizeof(path), "%s%s", resources, "edje/regulatory_info.edj");
+        free(resources);
+    }
+    Evas_Object *content = elm_layout_add(scroller);
+    elm_layout_file_set(content, path, "regulatory_info_layout");
+    evas_object_size_hint_weight_set(content, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
+    elm_object_content_set(scroller, content);
+
+    elm_object_domain_translatable_part_text_set(content, "text.title", ST_INFO_TEXT_DOMAIN,
+                                                 kTitle);
+    return frame;
+}
+
+void StInfoRegulatoryInfoViewController::onPushed(Elm_Object_Item *naviItem) {
+    elm_naviframe_item_title_enabled_set(naviItem, EINA_FALSE, EINA_FALSE);
+    elm_object_item_domain_part_text_translatable_set(naviItem, nullptr, ST_INFO_TEXT_DOMAIN,
+                                                      EINA_TRUE);
+}

@@ -1,0 +1,150 @@
+#include "StInfoSwViewController.h"
+
+#include <WNaviframeController.h>
+#include <app_control.h>
+#include <efl_extension.h>
+#include <libintl.h>
+#include <package_manager.h>
+#include <uxt_genlist.h>
+#include <vconf.h>
+
+#include "StAppControlLauncher.h"
+#include "StCircleSurfaceManager.h"
+#include "StInfoDefines.h"
+#include "StInfoTitleItem.h"
+#include "StLog.h"
+#include "tessid/StInfoTessidViewController.h"
+
+namespace {
+
+const char *const kTitle = "WDS_ST_TMBODY_SOFTWARE_INFORMATION";
+const char *const kTessidClientPackage = "com.nerova.tessid.ravelclient";
+const char *const kTessidSettingsAppId = "com.nerova.tessid.ravelclient.settings";
+const char *const kDeveloperOptionKey = "db/setting/developer_option_state";
+const char *const kScreenReaderKey = "db/setting/accessibility/tts";
+const int kDevModeTaps = 5;
+const double kToastSeconds = 2.0;
+const double kToastScreenReaderSeconds = 8.0;
+const double kLaunchBlockSeconds = 1.0;
+
+}  // namespace
+
+StInfoSwViewController::StInfoSwViewController() : _circleGenlist(nullptr), _devModeTapCount(0) {}
+
+StInfoSwViewController::~StInfoSwViewController() {}
+
+Evas_Object *StInfoSwViewController::onCreateView(Evas_Object *parent, void *) {
+    setTitle(kTitle);
+
+    Evas_Object *genlist = elm_genlist_add(parent);
+    elm_genlist_mode_set(genlist, ELM_LIST_COMPRESS);
+    uxt_genlist_set_bottom_margin_enabled(genlist, EINA_TRUE);
+
+    _circleGenlist = eext_circle_object_genlist_add(
+        genlist, StCircleSurfaceManager::getInstance()->getCircleSurface());
+    eext_circle_object_genlist_scroller_policy_set(_circleGenlist, ELM_SCROLLER_POLICY_OFF,
+                                                   ELM_SCROLLER_POLICY_AUTO);
+    eext_rotary_object_event_activated_set(_circleGenlist, EINA_TRUE);
+
+    auto *title = new StInfoTitleItem(kTitle);
+    Elm_Genlist_Item_Class *itc = title->getItemClassNew();
+    Elm_Object_Item *titleItem = elm_genlist_item_append(genlist, itc, title, nullptr,
+                                                         ELM_GENLIST_ITEM_NONE, nullptr, nullptr);
+    elm_genlist_item_class_free(itc);
+    elm_genlist_item_select_mode_set(titleItem, ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY);
+
+    _appendRow(genlist, StInfoSwMenuItem::TIZEN_VERSION, [this]() { _devModeTapCount = 0; });
+    _appendRow(genlist, StInfoSwMenuItem::SW_VERSION, [this]() { _onSwVersionTapped(); });
+    _appendRow(genlist, StInfoSwMenuItem::TESSID_VERSION,
+               [this]() { getNaviframeController()->push(new StInfoTessidViewController()); });
+
+    // The client's settings are offered only where the client is installed.
+    package_info_h package = nullptr;
+    if (package_manager_get_package_info(kTessidClientPackage, &package) ==
+            PACKAGE_MANAGER_ERROR_NONE &&
+        package) {
+        package_info_destroy(package);
+        _appendRow(genlist, StInfoSwMenuItem::TESSID_CONFIGURE,
+                   [this]() { _launchTessidSettings(); });
+    }
+
+    _appendRow(genlist, StInfoSwMenuItem::SECURITY_STATUS, [this]() { _devModeTapCount = 0; });
+    return genlist;
+}
+
+void StInfoSwViewController::_appendRow(Evas_Object *genlist, StInfoSwMenuItem::ItemType type,
+                                        std::function<void()> action) {
+    auto *row = new StInfoSwMenuItem(type);
+    Elm_Genlist_Item_Class *itc = row->getItemClassNew();
+    Elm_Object_Item *item =
+        elm_genlist_item_append(genlist, itc, row, nullptr, ELM_GENLIST_ITEM_NONE,
+                                app_assist::WGenlistItem::getSelectCb(), row);
+    row->setElmObjectItem(item);
+    row->setOnSelect(std::move(action));
+    elm_genlist_item_class_free(itc);
+}
+
+void StInfoSwViewController::_onSwVersionTapped() {
+    if (++_devModeTapCount != kDevModeTaps)
+        return;
+    _devModeTapCount = 0;
+    // The key is written every fifth tap, whatever it holds: the toast confirms each time.
+    if (vconf_set_bool(kDeveloperOptionKey, 1) != VCONF_OK)
+        ST_ERR("VCONFKEY_SETAPPL_DEVELOPER_OPTION_STATE set failed");
+    _showDevModeToast();
+}
+
+double StInfoSwViewController::devModeToastTimeout() {
+    int screenReader = 0;
+    if (vconf_get_bool(kScreenReaderKey, &screenReader) != VCONF_OK)
+        return kToastSeconds;
+    return screenReader ? kToastScreenReaderSeconds : kToastSeconds;
+}
+
+void StInfoSwViewController::_showDevModeToast() {
+    Evas_Object *toast = elm_popup_add(getNaviframeController()->getEvasObject());
+    elm_object_style_set(toast, "toast/circle");
+    elm_popup_orient_set(toast, ELM_POPUP_ORIENT_BOTTOM);
+    // A toast only informs: taps go on reaching the list under it.
+    elm_popup_allow_events_set(toast, EINA_TRUE);
+    evas_object_size_hint_weight_set(toast, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
+    eext_object_event_callback_add(toast, EEXT_CALLBACK_BACK, _onToastDismiss, nullptr);
+    evas_object_smart_callback_add(toast, "dismissed", _onToastGone, nullptr);
+    elm_object_part_text_set(
+        toast, "elm.text",
+        dgettext(ST_INFO_TEXT_DOMAIN, "WDS_ST_TPOP_DEVELOPER_MODE_TURNED_ON_ABB"));
+    elm_popup_timeout_set(toast, devModeToastTimeout());
+    evas_object_show(toast);
+}
+
+void StInfoSwViewController::_onToastDismiss(void *, Evas_Object *obj, void *) {
+    if (obj)
+        elm_popup_dismiss(obj);
+}
+
+void StInfoSwViewController::_onToastGone(void *, Evas_Object *obj, void *) {
+    // A toast that has gone away is not kept until its parent page closes. It is deleted once
+    // the popup has finished with its own callback.
+    if (obj)
+        ecore_job_add([](void *toast) { evas_object_del(static_cast<Evas_Object *>(toast)); }, obj);
+}
+
+void StInfoSwViewController::_launchTessidSettings() {
+    app_control_h request = nullptr;
+    if (app_control_create(&request) != APP_CONTROL_ERROR_NONE)
+        return;
+    app_control_set_app_id(request, kTessidSettingsAppId);
+    app_control_set_launch_mode(request, APP_CONTROL_LAUNCH_MODE_GROUP);
+    StAppControlLauncher::getInstance()->sendLaunchRequest(request, nullptr, nullptr,
+                                                           getEvasObject(), kLaunchBlockSeconds);
+}
+
+void StInfoSwViewController::onPushed(Elm_Object_Item *naviItem) {
+    elm_naviframe_item_title_enabled_set(naviItem, EINA_FALSE, EINA_FALSE);
+    elm_object_item_domain_part_text_translatable_set(naviItem, nullptr, ST_INFO_TEXT_DOMAIN,
+                                                      EINA_TRUE);
+}
+
+void StInfoSwViewController::onBecomeTop() {
+    eext_rotary_object_event_activated_set(_circleGenlist, EINA_TRUE);
+}

@@ -1,0 +1,534 @@
+#include "StInfoStatusModel.h"
+
+#include <bluetooth.h>
+#include <csc_feature.h>
+#include <system_info.h>
+#include <vconf.h>
+#include <wifi-manager.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "StInfoDefines.h"
+#include "StInfoTextUtils.h"
+#include "StLog.h"
+
+namespace {
+
+const char *const kSelectedNumberKey = "db/setting/selected_num";
+const char *const kCustomerCodeKey = "db/csc/text_string_customer";
+const char *const kEsimPhaseKey = ST_VENDOR_KEY("tizen/feature/esim.phase");
+
+const char *const kDevicedBusName = "org.tizen.system.deviced";
+const char *const kDevicedBoardPath = "/Org/Tizen/System/DeviceD/Board";
+const char *const kDevicedBoardInterface = "org.tizen.system.deviced.Board";
+
+// Features of the customer-specific configuration, by number.
+const int kCscBarcode = 30;
+const int kCscHwVersion = 39;
+const int kCscRawPhoneNumber = 57;
+const int kCscNationalPhoneNumber = 71;
+const int kCscImsRegistration = 93;
+
+const int kEsimProfileKindShown = 2;
+const int kEsimProfileEnabled = 1;
+
+// Carriers that show the ICCID split after the sixth digit and closed with an F.
+const char *const kSplitIccidSalesCodes[] = {"SKC", "SKO", "KTC", "KTO", "LUC", "LUO"};
+
+bool cscFeatureOn(int feature) {
+    return csc_feature_get_bool(feature) == 1;
+}
+
+// The record's NUL-terminated text at offset, within a field of size bytes.
+std::string fieldText(const void *record, size_t offset, size_t size) {
+    const char *field = static_cast<const char *>(record) + offset;
+    return std::string(field, strnlen(field, size));
+}
+
+// Byte offsets of the modem's records, as the telephony service lays them out.
+const size_t kHwVersionOffset = 33;
+const size_t kPrlVersionOffset = 147;
+const size_t kEriVersionOffset = 199;
+const size_t kVersionFieldSize = 32;
+const size_t kPrlEriFieldSize = 51;
+const size_t kMeidOffset = 32;
+const size_t kImeiOffset = 64;
+const size_t kImeiSvOffset = 96;
+const size_t kSnFieldSize = 32;
+
+// Byte offsets of the eSIM service's profile list.
+const size_t kEsimCountOffset = 0;
+const size_t kEsimEntryOffset = 16;
+const size_t kEsimEntrySize = 32;
+const size_t kEsimKindOffset = 8;
+const size_t kEsimStateOffset = 12;
+
+const size_t kIccidRecordSize = 5124;
+const size_t kIccidTextOffset = 4;
+const int kSimRequestIccid = 5;
+
+}  // namespace
+
+StInfoStatusModel *StInfoStatusModel::_instance = nullptr;
+
+StInfoStatusModel *StInfoStatusModel::getInstance() {
+    if (!_instance) {
+        _instance = new StInfoStatusModel();
+        _instance->_init();
+    }
+    return _instance;
+}
+
+StInfoStatusModel::StInfoStatusModel() : _tapihandle(nullptr), _esimHandle(nullptr) {}
+
+void StInfoStatusModel::_init() {
+    _tapihandle = tel_init(nullptr);
+    if (!_tapihandle) {
+        ST_ERR("tel init error!!");
+    } else {
+        _telGetSimMsisdn();
+        if (tel_register_noti_event(_tapihandle, TAPI_NOTI_SIM_REFRESHED, _telSimRefreshedCb,
+                                    this) != TAPI_API_SUCCESS)
+            ST_ERR("tel_register_noti_event failed");
+    }
+
+    int phase = -1;
+    if (system_info_get_custom_int(kEsimPhaseKey, &phase) != SYSTEM_INFO_ERROR_NONE) {
+        ST_ERR("system_info_get_platform_int failed!!!!");
+        return;
+    }
+    if (phase != 1)
+        return;
+    _esimHandle = esim_init();
+    if (!_esimHandle) {
+        ST_ERR("[ESIM] esim_init fail");
+        return;
+    }
+    esim_register_noti_event(_esimHandle, ESIM_EVENT_STATE, _esimNotiEventCb, this);
+    esim_register_noti_event(_esimHandle, ESIM_EVENT_PROFILE_CHANGED, _esimNotiEventCb, this);
+    int ret = esim_get_profile_list(_esimHandle, _esimGetProfileCb, this);
+    if (ret != 0)
+        ST_ERR("[ESIM] esim_get_profile_list fail : %x", ret);
+    ret = esim_get_eid(_esimHandle, _esimGetEIDCb, this);
+    if (ret != 0)
+        ST_ERR("[ESIM] esim_get_eid fail : %x", ret);
+}
+
+StInfoStatusModel::~StInfoStatusModel() {
+    if (_tapihandle)
+        tel_deregister_noti_event(_tapihandle, TAPI_NOTI_SIM_REFRESHED);
+    if (tel_deinit(_tapihandle) != TAPI_API_SUCCESS) {
+        ST_ERR("tel deinit error!!");
+    } else {
+        _tapihandle = nullptr;
+        if (_esimHandle) {
+            esim_deregister_noti_event(_esimHandle, ESIM_EVENT_STATE);
+            esim_deregister_noti_event(_esimHandle, ESIM_EVENT_PROFILE_CHANGED);
+            esim_deinit(_esimHandle);
+            _esimHandle = nullptr;
+        }
+    }
+    if (_instance == this)
+        _instance = nullptr;
+}
+
+// ---- Modem records ----
+
+std::string StInfoStatusModel::getHwVersionInfo() {
+    TelMiscVersionInformation *info = tel_get_misc_me_version_sync(_tapihandle);
+    if (!info) {
+        ST_ERR("tel_get_misc_me_version_sync() failed.");
+        return "";
+    }
+    std::string version = fieldText(info, kHwVersionOffset, kVersionFieldSize);
+    free(info);
+    ST_INFO("HwVersion='%s'", version.c_str());
+    return version;
+}
+
+std::string StInfoStatusModel::getPrlInfo() {
+    TelMiscVersionInformation *info =
+        _tapihandle ? tel_get_misc_me_version_sync(_tapihandle) : nullptr;
+    if (!info) {
+        ST_ERR("Getting misc version information is failed");
+        return ST_UNKNOWN_TEXT;
+    }
+    std::string version = fieldText(info, kPrlVersionOffset, kPrlEriFieldSize);
+    free(info);
+    return version.empty() ? ST_UNKNOWN_TEXT : version;
+}
+
+std::string StInfoStatusModel::getEriInfo() {
+    TelMiscVersionInformation *info =
+        _tapihandle ? tel_get_misc_me_version_sync(_tapihandle) : nullptr;
+    if (!info) {
+        ST_ERR("Getting misc version information is failed");
+        return ST_UNKNOWN_TEXT;
+    }
+    std::string version = fieldText(info, kEriVersionOffset, kPrlEriFieldSize);
+    free(info);
+    return version.empty() ? ST_UNKNOWN_TEXT : version;
+}
+
+TelMiscSNInformation *StInfoStatusModel::_getMiscSnInfo() {
+    if (!_tapihandle) {
+        ST_ERR("_tapihandle is null");
+        return nullptr;
+    }
+    return tel_get_misc_me_sn_sync(_tapihandle);
+}
+
+namespace {
+
+std::string serialField(TelMiscSNInformation *info, size_t offset) {
+    if (!info) {
+        ST_ERR("Getting misc version information is failed");
+        return ST_UNKNOWN_TEXT;
+    }
+    std::string text = fieldText(info, offset, kSnFieldSize);
+    free(info);
+    return text.empty() ? ST_UNKNOWN_TEXT : text;
+}
+
+}  // namespace
+
+std::string StInfoStatusModel::getImeiInfo() {
+    return serialField(_getMiscSnInfo(), kImeiOffset);
+}
+
+std::string StInfoStatusModel::getImeiSvInfo() {
+    return serialField(_getMiscSnInfo(), kImeiSvOffset);
+}
+
+std::string StInfoStatusModel::getMeIdInfo() {
+    return serialField(_getMiscSnInfo(), kMeidOffset);
+}
+
+bool StInfoStatusModel::getImsRegistrationInfo() {
+    int value = 0;
+    int ret = tel_get_property_int(_tapihandle, TAPI_PROP_NETWORK_VOLTE_ENABLE, &value);
+    if (ret != TAPI_API_SUCCESS) {
+        ST_ERR("tel_get_property_int failed [%d]", ret);
+        return false;
+    }
+    return value != 0;
+}
+
+bool StInfoStatusModel::isHwVersionMenuEnabled() {
+    return cscFeatureOn(kCscHwVersion);
+}
+
+bool StInfoStatusModel::isImsMenuEnabled() {
+    return cscFeatureOn(kCscImsRegistration);
+}
+
+bool StInfoStatusModel::isBarcodeMenuEnabled() {
+    return cscFeatureOn(kCscBarcode);
+}
+
+// ---- Radios ----
+
+std::string StInfoStatusModel::getWifiMacAddress() {
+    std::string result = ST_UNKNOWN_TEXT;
+    wifi_manager_h handle = nullptr;
+    int ret = wifi_manager_initialize(&handle);
+    if (ret != WIFI_MANAGER_ERROR_NONE) {
+        ST_ERR("wifi manager initialize failed! [%d]", ret);
+        return result;
+    }
+    char *mac = nullptr;
+    if (wifi_manager_get_mac_address(handle, &mac) != WIFI_MANAGER_ERROR_NONE) {
+        wifi_manager_deinitialize(handle);
+        ST_ERR("Failed to get wifi mac address!");
+        return result;
+    }
+    if (mac) {
+        result = mac;
+        free(mac);
+    }
+    wifi_manager_deinitialize(handle);
+    return result;
+}
+
+std::string StInfoStatusModel::getBluetoothAddress() {
+    if (bt_initialize() != BT_ERROR_NONE)
+        ST_ERR("bluetooth initialization failed");
+    char *address = nullptr;
+    int ret = bt_adapter_get_address(&address);
+    bt_deinitialize();
+    if (ret < 0) {
+        ST_ERR("bt address : get bt address with error code:%d", ret);
+        free(address);
+        return "IDS_ST_BODY_UNAVAILABLE";
+    }
+    if (!address)
+        return ST_UNKNOWN_TEXT;
+    std::string result = address;
+    free(address);
+    return result;
+}
+
+// ---- Device daemon ----
+
+std::string StInfoStatusModel::_getCustomerCode() {
+    char *code = vconf_get_str(kCustomerCodeKey);
+    if (!code) {
+        ST_ERR("Customer Code is empty!");
+        return "";
+    }
+    std::string result = code;
+    free(code);
+    return result;
+}
+
+DBusMessage *StInfoStatusModel::_dbusMethodSyncWithReplyCb(const char *destination,
+                                                           const char *path, const char *interface,
+                                                           const char *method) {
+    // The shared connection belongs to libdbus; it is never closed here.
+    DBusConnection *connection = dbus_bus_get(DBUS_BUS_SYSTEM, nullptr);
+    if (!connection)
+        return nullptr;
+    DBusMessage *message = dbus_message_new_method_call(destination, path, interface, method);
+    if (!message)
+        return nullptr;
+    DBusMessageIter iter;
+    dbus_message_iter_init_append(message, &iter);
+    DBusError error;
+    dbus_error_init(&error);
+    DBusMessage *reply = dbus_connection_send_with_reply_and_block(connection, message, -1, &error);
+    if (!reply)
+        ST_ERR("dbus_connection_send_with_reply_and_block failed");
+    if (dbus_error_is_set(&error)) {
+        ST_ERR("dbus_connection_send error(%s:%s)", error.name, error.message);
+        dbus_error_free(&error);
+        dbus_message_unref(message);
+        if (reply)
+            dbus_message_unref(reply);
+        return nullptr;
+    }
+    dbus_message_unref(message);
+    return reply;
+}
+
+std::string StInfoStatusModel::_getImeiSerialInfo() {
+    DBusMessage *reply = _dbusMethodSyncWithReplyCb(kDevicedBusName, kDevicedBoardPath,
+                                                    kDevicedBoardInterface, "GetNum");
+    if (!reply) {
+        ST_ERR("fail send message");
+        return "";
+    }
+    DBusError error;
+    dbus_error_init(&error);
+    const char *text = nullptr;
+    dbus_int32_t unused = 0;
+    if (!dbus_message_get_args(reply, &error, DBUS_TYPE_STRING, &text, DBUS_TYPE_INT32, &unused,
+                               DBUS_TYPE_INVALID)) {
+        ST_ERR("no message : [%s:%s]", error.name, error.message);
+        dbus_message_unref(reply);
+        dbus_error_free(&error);
+        return "";
+    }
+    std::string result;
+    if (text && *text) {
+        ST_INFO("Serial Info: %s", text);
+        result = text;
+    } else {
+        ST_ERR("no serial info is returned.");
+    }
+    dbus_message_unref(reply);
+    dbus_error_free(&error);
+    return result;
+}
+
+std::string StInfoStatusModel::getSerialNumberInfo() {
+    std::string text = _getImeiSerialInfo();
+    if (text.empty())
+        return "";
+    size_t comma = text.find(',');
+    if ((cscFeatureOn(kCscBarcode) || _getCustomerCode() == "VZW") && comma != std::string::npos)
+        return text.substr(0, comma);
+    return text;
+}
+
+std::string StInfoStatusModel::getBarcodeNumberInfo() {
+    std::string text = _getImeiSerialInfo();
+    if (text.empty())
+        return "";
+    size_t comma = text.rfind(',');
+    return comma == std::string::npos ? "" : text.substr(comma + 1);
+}
+
+// ---- SIM and phone number ----
+
+bool StInfoStatusModel::_telGetSimMsisdn() {
+    if (!_tapihandle)
+        return true;
+    int ret = tel_get_sim_msisdn(_tapihandle, _tapiSimMsisdnGetCb, this);
+    if (ret != TAPI_API_SUCCESS) {
+        ST_ERR("tel_get_sim_msisdn failed [%d]", ret);
+        return false;
+    }
+    return true;
+}
+
+void StInfoStatusModel::_telSimRefreshedCb(TapiHandle *, const char *, void *, void *model) {
+    static_cast<StInfoStatusModel *>(model)->_telGetSimMsisdn();
+}
+
+void StInfoStatusModel::_tapiSimMsisdnGetCb(TapiHandle *, int, void *data, void *model) {
+    auto *self = static_cast<StInfoStatusModel *>(model);
+    if (!data) {
+        ST_ERR("no sim card info is returned");
+        vconf_set_str(kSelectedNumberKey, "");
+        return;
+    }
+    // A signed count at offset 0, the first subscriber's number from offset 4.
+    const char *record = static_cast<const char *>(data);
+    int32_t count = 0;
+    memcpy(&count, record, sizeof(count));
+    const char *number = count > 0 ? record + 4 : "";
+    if (vconf_set_str(kSelectedNumberKey, number) != VCONF_OK)
+        ST_ERR("vconf_set_str(%s) failed", kSelectedNumberKey);
+    self->_msisdnSignal.emit();
+}
+
+std::string StInfoStatusModel::_getMsisdnNumber() {
+    char *number = vconf_get_str(kSelectedNumberKey);
+    if (!number) {
+        ST_ERR("MSISDN Number is empty");
+        return "";
+    }
+    std::string result = number;
+    free(number);
+    return result;
+}
+
+std::string StInfoStatusModel::getPhoneNumberInfo() {
+    std::string number = _getMsisdnNumber();
+    if (number.empty())
+        return ST_UNKNOWN_TEXT;
+    bool raw = cscFeatureOn(kCscRawPhoneNumber);
+    bool national = cscFeatureOn(kCscNationalPhoneNumber);
+    if (national) {
+        std::string formatted = formatPhoneNumber(number);
+        if (formatted.empty())
+            return number;
+        std::string nationalNumber = toNationalNumber(formatted);
+        return nationalNumber.empty() ? number : nationalNumber;
+    }
+    if (raw)
+        return number;
+    std::string formatted = formatPhoneNumber(number);
+    return formatted.empty() ? number : formatted;
+}
+
+std::string StInfoStatusModel::getIccidInfo() {
+    if (_esimHandle) {
+        bool enabled = false;
+        for (const auto &profile : _esimProfiles)
+            if (profile->state == kEsimProfileEnabled) {
+                enabled = true;
+                break;
+            }
+        if (!enabled)
+            return ST_UNKNOWN_TEXT;
+    }
+    if (!_tapihandle)
+        return ST_UNKNOWN_TEXT;
+    std::vector<char> record(kIccidRecordSize, 0);
+    int ret = tel_request_sim_sync(_tapihandle, kSimRequestIccid, nullptr, record.data());
+    if (ret != TAPI_API_SUCCESS) {
+        ST_ERR("tel_request_sim_sync failed [%d]", ret);
+        return ST_UNKNOWN_TEXT;
+    }
+    int32_t length = 0;
+    memcpy(&length, record.data(), sizeof(length));
+    if (length <= 0)
+        return ST_UNKNOWN_TEXT;
+    std::string iccid =
+        fieldText(record.data(), kIccidTextOffset, kIccidRecordSize - kIccidTextOffset);
+    std::string salesCode = _getCustomerCode();
+    for (const char *code : kSplitIccidSalesCodes) {
+        if (salesCode != code)
+            continue;
+        char buffer[256] = {0};
+        if (length > 6 && iccid.size() > 6)
+            snprintf(buffer, sizeof(buffer), "%.6s %sF", iccid.c_str(), iccid.c_str() + 6);
+        return buffer;
+    }
+    return iccid;
+}
+
+// ---- eSIM ----
+
+bool StInfoStatusModel::isEsimMenuEnabled() {
+    int phase = -1;
+    if (system_info_get_custom_int(kEsimPhaseKey, &phase) != SYSTEM_INFO_ERROR_NONE) {
+        ST_ERR("system_info_get_platform_int failed!!!!");
+        return false;
+    }
+    return phase == 1;
+}
+
+void StInfoStatusModel::_esimNotiEventCb(esim_h, int eventType, void *eventData, void *model) {
+    auto *self = static_cast<StInfoStatusModel *>(model);
+    if (eventType != ESIM_EVENT_PROFILE_CHANGED || !eventData)
+        return;
+    int32_t data = 0;
+    memcpy(&data, eventData, sizeof(data));
+    if (data < 0 || data > 3)
+        return;
+    int ret = esim_get_profile_list(self->_esimHandle, _esimGetProfileCb, self);
+    if (ret != 0)
+        ST_ERR("[ESIM] esim_get_profile_list fail : %d", ret);
+}
+
+void StInfoStatusModel::_esimGetProfileCb(esim_h, int result, esim_profile_list_s *profileList,
+                                          void *model) {
+    auto *self = static_cast<StInfoStatusModel *>(model);
+    if (result != 0) {
+        ST_ERR("[ESIM] _esimGetProfileCb result (%d)", result);
+        return;
+    }
+    self->_esimProfiles.clear();
+    if (profileList) {
+        const char *record = reinterpret_cast<const char *>(profileList);
+        unsigned count = static_cast<unsigned char>(record[kEsimCountOffset]);
+        for (unsigned i = 0; i < count; ++i) {
+            const char *entry = record + kEsimEntryOffset + kEsimEntrySize * i;
+            const char *name = nullptr;
+            memcpy(&name, entry, sizeof(name));
+            auto profile = std::make_shared<StInfoEsimProfile>();
+            profile->name = name ? name : "";
+            memcpy(&profile->kind, entry + kEsimKindOffset, sizeof(int32_t));
+            memcpy(&profile->state, entry + kEsimStateOffset, sizeof(int32_t));
+            self->_esimProfiles.push_back(profile);
+        }
+    }
+    self->_esimProfileSignal.emit();
+}
+
+void StInfoStatusModel::_esimGetEIDCb(esim_h, int result, const char *eidText, void *model) {
+    auto *self = static_cast<StInfoStatusModel *>(model);
+    if (result == 0) {
+        self->_eid = eidText ? eidText : "";
+        self->_eidSignal.emit();
+        return;
+    }
+    ST_ERR("[ESIM] _esimGetEIDCb result (%d)", result);
+    self->_eid.clear();
+}
+
+std::string StInfoStatusModel::getEnabledEsimName() {
+    for (const auto &profile : _esimProfiles)
+        if (profile->kind == kEsimProfileKindShown && profile->state == kEsimProfileEnabled)
+            return profile->name;
+    ST_ERR("no enabled profile");
+    return "";
+}
+
+std::string StInfoStatusModel::getEid() {
+    return _eid;
+}

@@ -1,0 +1,470 @@
+// The software, security-platform, battery and licence pages: their models against the
+// stand-ins, the rows they show and the developer-mode tap counter with its toast.
+
+// Smart-object membership is asked through upstream's Eo API, which it marks as beta.
+#define EFL_BETA_API_SUPPORT 1
+
+#include <WNaviframeController.h>
+#include <csc_svc_config.h>
+#include <gtest/gtest.h>
+#include <package_manager.h>
+#include <vconf.h>
+
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "PlatformState.h"
+#include "Profile.h"
+#include "StatePaths.h"
+#include "StHomeKeyHandler.h"
+#include "StInfoBatteryMenuItem.h"
+#include "StInfoBatteryModel.h"
+#include "StInfoOpenSrcLicenseViewController.h"
+#include "StInfoSwModel.h"
+#include "StInfoSwViewController.h"
+#include "support/EflTestEnvironment.h"
+#include "tessid/StInfoTessidMenuItem.h"
+#include "tessid/StInfoTessidModel.h"
+#include "tessid/StInfoTessidViewController.h"
+
+using app_assist::WNaviframeController;
+
+namespace {
+
+const char *const kUnknown = "WDS_LOGS_MBODY_UNKNOWN_ABB";
+const char *const kDeveloperOption = "db/setting/developer_option_state";
+
+// Removes a settings key, as on a watch that never had it.
+void unsetSetting(const std::string &key) {
+    std::remove((EflTestEnvironment::stateDir() + "/settings/" + key).c_str());
+}
+
+void writeProfile(const std::string &json) {
+    std::ofstream(EflTestEnvironment::stateDir() + "/profile.json") << json;
+    platform::reloadProfile();
+}
+
+std::string vendorProfile(const std::string &vendorKeys) {
+    return R"({"system_info": {"vendor": {)" + vendorKeys + "}}}";
+}
+
+std::string textOf(Elm_Object_Item *item, const char *part) {
+    const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
+    char *text =
+        itc->func.text_get(elm_object_item_data_get(item), elm_object_item_widget_get(item), part);
+    std::string out = text ? text : "(none)";
+    free(text);
+    return out;
+}
+
+size_t count(const std::string &text, const std::string &what) {
+    size_t n = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
+        ++n;
+    return n;
+}
+
+void collectPopups(Evas_Object *obj, std::vector<Evas_Object *> *found) {
+    const char *type = evas_object_type_get(obj);
+    if (type && !strcmp(type, "elm_popup"))
+        found->push_back(obj);
+    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
+        return;
+    Eina_List *children = evas_object_smart_members_get(obj);
+    void *child;
+    Eina_List *l;
+    EINA_LIST_FOREACH(children, l, child)
+    collectPopups(static_cast<Evas_Object *>(child), found);
+    eina_list_free(children);
+}
+
+}  // namespace
+
+class PagesTest : public EflTest {
+protected:
+    void TearDown() override {
+        writeProfile("{}");
+        unsetSetting(kDeveloperOption);
+        EflTest::TearDown();
+    }
+
+    WNaviframeController *makeNaviframe() {
+        auto *naviframe = new WNaviframeController();
+        EXPECT_TRUE(naviframe->create(_win, nullptr));
+        Evas_Object *obj = naviframe->getEvasObject();
+        evas_object_size_hint_weight_set(obj, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
+        elm_win_resize_object_add(_win, obj);
+        evas_object_show(obj);
+        return naviframe;
+    }
+
+    // The list of the page on top, and its rows.
+    std::vector<Elm_Object_Item *> pushAndList(app_assist::WViewController *page) {
+        WNaviframeController *naviframe = makeNaviframe();
+        EXPECT_TRUE(naviframe->push(page));
+        settle(0.1);
+        std::vector<Elm_Object_Item *> rows;
+        Evas_Object *list = page->getEvasObject();
+        for (Elm_Object_Item *it = elm_genlist_first_item_get(list); it;
+             it = elm_genlist_item_next_get(it)) {
+            const char *style = elm_genlist_item_item_class_get(it)->item_style;
+            if (strcmp(style, "padding"))
+                rows.push_back(it);
+        }
+        return rows;
+    }
+
+    std::vector<Evas_Object *> visibleToasts() {
+        std::vector<Evas_Object *> popups, toasts;
+        Evas *canvas = evas_object_evas_get(_win);
+        for (Evas_Object *o = evas_object_bottom_get(canvas); o; o = evas_object_above_get(o))
+            collectPopups(o, &popups);
+        for (Evas_Object *p : popups)
+            if (evas_object_visible_get(p) && !strcmp(elm_object_style_get(p), "toast/circle"))
+                toasts.push_back(p);
+        return toasts;
+    }
+
+    void tapTimes(Elm_Object_Item *item, int times) {
+        for (int i = 0; i < times; ++i) {
+            elm_genlist_item_show(item, ELM_GENLIST_ITEM_SCROLLTO_IN);
+            settle(0.05);
+            tapItem(item);
+        }
+        settle(0.05);
+    }
+
+    bool developerOption() {
+        int on = 0;
+        return vconf_get_bool(kDeveloperOption, &on) == VCONF_OK && on;
+    }
+};
+
+// Software model
+
+TEST_F(PagesTest, SoftwareVersionIsTheBuildUnlessANonEmptyApprovalVersionReplacesIt) {
+    const std::string build =
+        R"({"system_info": {"platform": {"system/build.string": "R925XXU1"}})";
+    writeProfile(build + "}");
+    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "R925XXU1");
+    writeProfile(build + R"(, "csc": {"approval_version": ""}})");
+    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "R925XXU1");
+    writeProfile(build + R"(, "csc": {"approval_version": "R925OXM1BWL2"}})");
+    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "R925OXM1BWL2");
+    // A failing configuration service falls back to the build without a word.
+    writeProfile(build + R"(, "csc": {"approval_version": "R925OXM1BWL2"},
+        "faults": [{"call": "csc_svc_config_get_approval_version", "code": -5}]})");
+    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "R925XXU1");
+    EXPECT_EQ(logSinceStart().find("Critical"), std::string::npos);
+}
+
+TEST_F(PagesTest, MissingSoftwareValuesAreUnknownAndLogged) {
+    writeProfile("{}");
+    vconf_set_str("db/smack/spd_installed_policy_version", "");
+    StInfoSwModel *model = StInfoSwModel::getInstance();
+    EXPECT_EQ(model->getSwVersionInfo(), kUnknown);
+    EXPECT_EQ(model->getTizenVersion(), kUnknown);
+    EXPECT_EQ(model->getSecurityStatus(), kUnknown);
+    std::string log = logSinceStart();
+    EXPECT_NE(log.find("Setting - Software Version name does not exist![-"), std::string::npos);
+    EXPECT_NE(log.find("Setting - Tizen Version name does not exist![-"), std::string::npos);
+    EXPECT_NE(log.find("Vconf value error!"), std::string::npos);
+    vconf_set_str("db/smack/spd_installed_policy_version", "SEPF_0047");
+    EXPECT_EQ(model->getSecurityStatus(), "SEPF_0047");
+}
+
+// Security-platform model and rows
+
+TEST_F(PagesTest, SecurityPlatformRowsShowTheirKeysAndUnknownForEachMissingOne) {
+    writeProfile(vendorProfile(R"("tizen/feature/tessid.version": "3.9",
+                                  "tizen/feature/tessid.vimo.version": "1<2 & 3")"));
+    auto rows = pushAndList(new StInfoTessidViewController());
+    ASSERT_EQ(rows.size(), 5u);
+    EXPECT_EQ(textOf(rows[0], "elm.text"), "Tessid version");
+    const char *labels[] = {"Tessid version", "Tessid Tizen Wearable SDK", "Pelor for Tizen",
+                            "VIMO"};
+    for (int i = 1; i <= 4; ++i) {
+        EXPECT_EQ(textOf(rows[i], "elm.text"), labels[i - 1]);
+        // Nothing happens on a tap, and nothing stays highlighted.
+        EXPECT_EQ(elm_genlist_item_select_mode_get(rows[i]), ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY);
+    }
+    EXPECT_EQ(textOf(rows[1], "elm.text.1"), "3.9");
+    EXPECT_EQ(textOf(rows[2], "elm.text.1"), "Unknown");
+    EXPECT_EQ(textOf(rows[3], "elm.text.1"), "Unknown");
+    // A version is shown as it is, not read as markup.
+    EXPECT_EQ(textOf(rows[4], "elm.text.1"), "1&lt;2 &amp; 3");
+    EXPECT_EQ(textOf(rows[4], "elm.text.2"), "(none)");
+}
+
+TEST_F(PagesTest, EachUnreadableSecurityPlatformKeyLogsItsCode) {
+    writeProfile(R"({"faults": [{"call": "system_info_get_custom_string", "code": -5}]})");
+    StInfoTessidModel *model = StInfoTessidModel::getInstance();
+    EXPECT_EQ(model->getTessidVersion(), kUnknown);
+    EXPECT_EQ(model->getMdmVersion(), kUnknown);
+    EXPECT_EQ(model->getPelorTizenVersion(), kUnknown);
+    EXPECT_EQ(model->getVimoVersion(), kUnknown);
+    EXPECT_EQ(count(logSinceStart(), "ret : -5"), 4u);
+}
+
+// Battery model
+
+TEST_F(PagesTest, RatedValueIsVoltageThenCurrentAndNeedsBoth) {
+    writeProfile(vendorProfile(R"("tizen/system/rated_voltage": "3.85V",
+                                  "tizen/system/rated_current": "300mA",
+                                  "tizen/system/battery_capacity": "361mAh")"));
+    StInfoBatteryModel *model = StInfoBatteryModel::getInstance();
+    EXPECT_EQ(model->getRatedInfo(), "3.85V; 300mA");
+    EXPECT_EQ(model->getBatteryCapacity(), "361mAh");
+    writeProfile(vendorProfile(R"("tizen/system/rated_voltage": "3.85V")"));
+    EXPECT_EQ(model->getRatedInfo(), kUnknown);
+    EXPECT_EQ(model->getBatteryCapacity(), kUnknown);
+    writeProfile(vendorProfile(R"("tizen/system/rated_current": "300mA")"));
+    EXPECT_EQ(model->getRatedInfo(), kUnknown);
+    // A watch without battery keys has nothing to report, and says nothing about it.
+    EXPECT_EQ(logSinceStart().find("Critical"), std::string::npos);
+}
+
+TEST_F(PagesTest, BatteryValuesAreCutAt31And15Characters) {
+    struct Case {
+        std::string voltage, current, capacity, rated, shownCapacity;
+    };
+    const Case cases[] = {
+        // "12345678901234; 123456789012345" is exactly 31 characters.
+        {"12345678901234", "123456789012345", "123456789012345", "12345678901234; 123456789012345",
+         "123456789012345"},
+        {"12345678901234", "1234567890123456", "1234567890123456",
+         "12345678901234; 123456789012345", "123456789012345"},
+        {"3.85V", "300mA with a very long description", "361mAh (typical value)",
+         "3.85V; 300mA with a very long d", "361mAh (typical"},
+    };
+    for (const Case &c : cases) {
+        writeProfile(vendorProfile(R"("tizen/system/rated_voltage": ")" + c.voltage +
+                                   R"(", "tizen/system/rated_current": ")" + c.current +
+                                   R"(", "tizen/system/battery_capacity": ")" + c.capacity + "\""));
+        EXPECT_EQ(StInfoBatteryModel::getInstance()->getRatedInfo(), c.rated) << c.current;
+        EXPECT_EQ(StInfoBatteryModel::getInstance()->getBatteryCapacity(), c.shownCapacity);
+    }
+}
+
+// Stand-ins of the pages
+
+TEST_F(PagesTest, PackageInfoExistsOnlyForInstalledPackages) {
+    writeProfile(R"({"packages": {"com.nerova.tessid.ravelclient": {"version": "1.6.3"}}})");
+    package_info_h info = nullptr;
+    ASSERT_EQ(package_manager_get_package_info("com.nerova.tessid.ravelclient", &info),
+              PACKAGE_MANAGER_ERROR_NONE);
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(package_info_destroy(info), PACKAGE_MANAGER_ERROR_NONE);
+    info = nullptr;
+    EXPECT_EQ(package_manager_get_package_info("com.nerova.absent", &info),
+              PACKAGE_MANAGER_ERROR_NO_SUCH_PACKAGE);
+    EXPECT_EQ(info, nullptr);
+    EXPECT_EQ(package_manager_get_package_info(nullptr, &info),
+              PACKAGE_MANAGER_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(package_info_destroy(nullptr), PACKAGE_MANAGER_ERROR_INVALID_PARAMETER);
+    writeProfile(R"({"packages": {"com.nerova.tessid.ravelclient": {}},
+        "faults": [{"call": "package_manager_get_package_info", "code": -5}]})");
+    EXPECT_EQ(package_manager_get_package_info("com.nerova.tessid.ravelclient", &info), -5);
+    EXPECT_EQ(info, nullptr);
+}
+
+TEST_F(PagesTest, ApprovalVersionFillsAtMostTheAgreedBuffer) {
+    writeProfile(R"({"csc": {}})");
+    char version[CSC_SVC_CONFIG_APPROVAL_VERSION_MAX];
+    EXPECT_EQ(csc_svc_config_chk_approval_version_exist(), 0);
+    EXPECT_EQ(csc_svc_config_get_approval_version(version), 0);
+    std::string longVersion(100, 'V');
+    writeProfile(R"({"csc": {"approval_version": ")" + longVersion + "\"}}");
+    EXPECT_EQ(csc_svc_config_chk_approval_version_exist(), 1);
+    EXPECT_EQ(csc_svc_config_get_approval_version(version), 1);
+    EXPECT_EQ(std::string(version), longVersion.substr(0, CSC_SVC_CONFIG_APPROVAL_VERSION_MAX - 1));
+    EXPECT_NE(csc_svc_config_get_approval_version(nullptr), 1);
+}
+
+// Software page
+
+class SoftwarePageTest : public PagesTest {
+protected:
+    void SetUp() override {
+        PagesTest::SetUp();
+        writeProfile(R"({"system_info": {"platform": {"system/build.string": "R925XXU1",
+                         "feature/platform.version": "6.0"}},
+                         "packages": {"com.nerova.tessid.ravelclient": {}}})");
+        vconf_set_bool(kDeveloperOption, 0);
+        vconf_set_bool("db/setting/accessibility/tts", 0);
+        unsetSetting("db/smack/spd_installed_policy_version");
+        _rows = pushAndList(new StInfoSwViewController());
+        ASSERT_EQ(_rows.size(), 6u);
+    }
+
+    Elm_Object_Item *platformRow() { return _rows[1]; }
+    Elm_Object_Item *softwareRow() { return _rows[2]; }
+    Elm_Object_Item *securityStatusRow() { return _rows[5]; }
+
+    std::vector<Elm_Object_Item *> _rows;
+};
+
+TEST_F(SoftwarePageTest, RowsFollowTheProfileInOrder) {
+    EXPECT_EQ(textOf(_rows[0], "elm.text"), "Software information");
+    EXPECT_EQ(textOf(_rows[1], "elm.text"), "Tizen version");
+    EXPECT_EQ(textOf(_rows[1], "elm.text.1"), "6.0");
+    EXPECT_EQ(textOf(_rows[2], "elm.text"), "Software version");
+    EXPECT_EQ(textOf(_rows[2], "elm.text.1"), "R925XXU1");
+    EXPECT_EQ(textOf(_rows[3], "elm.text"), "Tessid version");
+    EXPECT_EQ(textOf(_rows[3], "elm.text.1"), "(none)");
+    EXPECT_EQ(textOf(_rows[4], "elm.text"), "Tessid Configure");
+    EXPECT_EQ(textOf(_rows[5], "elm.text"), "Security status");
+    EXPECT_EQ(textOf(_rows[5], "elm.text.1"), "Unknown");
+}
+
+TEST_F(SoftwarePageTest, FiveTapsTurnDeveloperModeOnWithAToast) {
+    tapTimes(softwareRow(), 4);
+    EXPECT_FALSE(developerOption());
+    EXPECT_TRUE(visibleToasts().empty());
+    tapTimes(softwareRow(), 1);
+    EXPECT_TRUE(developerOption());
+    auto toasts = visibleToasts();
+    ASSERT_EQ(toasts.size(), 1u);
+    EXPECT_STREQ(elm_object_part_text_get(toasts[0], "elm.text"), "Developer mode turned on.");
+    // The row is not left highlighted.
+    EXPECT_FALSE(elm_genlist_item_selected_get(softwareRow()));
+}
+
+TEST_F(SoftwarePageTest, ATapOnAnotherValueRowStartsTheCountAgain) {
+    tapTimes(softwareRow(), 4);
+    tapTimes(platformRow(), 1);
+    tapTimes(softwareRow(), 4);
+    EXPECT_FALSE(developerOption());
+    EXPECT_TRUE(visibleToasts().empty());
+    tapTimes(securityStatusRow(), 1);
+    tapTimes(softwareRow(), 4);
+    EXPECT_FALSE(developerOption());
+    tapTimes(softwareRow(), 1);
+    EXPECT_TRUE(developerOption());
+}
+
+TEST_F(SoftwarePageTest, EveryFifthTapWritesTheKeyAgain) {
+    tapTimes(softwareRow(), 5);
+    ASSERT_TRUE(developerOption());
+    vconf_set_bool(kDeveloperOption, 0);
+    tapTimes(softwareRow(), 4);
+    EXPECT_FALSE(developerOption());
+    tapTimes(softwareRow(), 1);
+    EXPECT_TRUE(developerOption());
+}
+
+TEST_F(SoftwarePageTest, AFailedWriteIsLoggedAndTheToastStillShows) {
+    writeProfile(
+        R"({"faults": [{"call": "vconf_set_bool", "key": "db/setting/developer_option_state",
+                                 "code": -1}]})");
+    tapTimes(softwareRow(), 5);
+    EXPECT_FALSE(developerOption());
+    EXPECT_EQ(visibleToasts().size(), 1u);
+    EXPECT_NE(logSinceStart().find("VCONFKEY_SETAPPL_DEVELOPER_OPTION_STATE set failed"),
+              std::string::npos);
+}
+
+TEST_F(SoftwarePageTest, ToastStaysLongerWhileTheScreenReaderIsOn) {
+    tapTimes(softwareRow(), 5);
+    auto toasts = visibleToasts();
+    ASSERT_EQ(toasts.size(), 1u);
+    EXPECT_DOUBLE_EQ(elm_popup_timeout_get(toasts[0]), 2.0);
+    // It goes by itself.
+    EXPECT_TRUE(runUntil([this] { return visibleToasts().empty(); }, 4.0));
+
+    vconf_set_bool("db/setting/accessibility/tts", 1);
+    tapTimes(softwareRow(), 5);
+    toasts = visibleToasts();
+    ASSERT_EQ(toasts.size(), 1u);
+    EXPECT_DOUBLE_EQ(elm_popup_timeout_get(toasts[0]), 8.0);
+
+    // An unreadable screen-reader setting counts as off.
+    unsetSetting("db/setting/accessibility/tts");
+    EXPECT_DOUBLE_EQ(StInfoSwViewController::devModeToastTimeout(), 2.0);
+}
+
+TEST_F(PagesTest, SoftwarePageOffersTheClientSettingsOnlyWhereTheClientIsInstalled) {
+    writeProfile("{}");
+    auto rows = pushAndList(new StInfoSwViewController());
+    ASSERT_EQ(rows.size(), 5u);
+    for (Elm_Object_Item *row : rows)
+        EXPECT_NE(textOf(row, "elm.text"), "Tessid Configure");
+}
+
+// Licence help text
+
+TEST_F(PagesTest, LicenceStepsAreNumberedOneToSixAndWordedForTheRegion) {
+    for (bool china : {false, true}) {
+        std::string text = StInfoOpenSrcLicenseViewController::helpText(china);
+        std::vector<std::string> lines;
+        size_t start = 0;
+        for (size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1)
+            lines.push_back(text.substr(start, end - start));
+        lines.push_back(text.substr(start));
+        ASSERT_EQ(lines.size(), 8u) << text;
+        for (int step = 1; step <= 6; ++step)
+            EXPECT_EQ(lines[step].rfind(std::to_string(step) + ". ", 0), 0u) << lines[step];
+        EXPECT_FALSE(isdigit(static_cast<unsigned char>(lines[7][0]))) << lines[7];
+        EXPECT_NE(lines[6].find("\"sdb connect [your IP address]:26101\""), std::string::npos);
+        EXPECT_NE(lines[7].find("/usr/share/license.html"), std::string::npos);
+        EXPECT_NE(lines[7].find("sdb pull /usr/share/license.html c:\\OpenSource\\license.html"),
+                  std::string::npos);
+        for (int step : {1, 4, 5}) {
+            EXPECT_EQ(lines[step].find(china ? "Wi-Fi" : "WLAN"), std::string::npos) << lines[step];
+            EXPECT_NE(lines[step].find(china ? "WLAN" : "Wi-Fi"), std::string::npos) << lines[step];
+        }
+    }
+}
+
+// Home key without a bus
+
+TEST_F(PagesTest, HomeKeyHandlerWithoutABusStaysUnregisteredAndKeepsTheLibraryBalanced) {
+    const char *saved = getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    std::string previous = saved ? saved : "";
+    setenv("DBUS_SYSTEM_BUS_ADDRESS",
+           ("unix:path=" + EflTestEnvironment::stateDir() + "/no-bus").c_str(), 1);
+    int before = eldbus_init();
+    eldbus_shutdown();
+    {
+        StHomeKeyHandler handler;
+        handler.unregisterHandler();  // never registered: nothing to do
+        handler.setHomeKeyPressedCb([] {});
+        EXPECT_FALSE(handler.registerHandler());
+        // After a failure it may try again, and fails the same way.
+        EXPECT_FALSE(handler.registerHandler());
+    }
+    int after = eldbus_init();
+    eldbus_shutdown();
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(count(logSinceStart(), "Failed to get dbus connection"), 2u);
+    EXPECT_EQ(logSinceStart().find("Already registered!"), std::string::npos);
+    if (saved)
+        setenv("DBUS_SYSTEM_BUS_ADDRESS", previous.c_str(), 1);
+    else
+        unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+}
+
+// Profiles
+
+TEST(PagesProfile, InstalledPackagesAreCheckedAndEveryShippedPageProfileLoads) {
+    sim::Profile profile;
+    std::string error;
+    EXPECT_FALSE(profile.parse(R"({"packages": {"com.x": {"version": 2}}})", "w.json", &error));
+    EXPECT_EQ(error, "w.json: packages[\"com.x\"].version: expected a string, found number 2");
+    EXPECT_FALSE(profile.parse(R"({"packages": ["com.x"]})", "w.json", &error));
+    ASSERT_TRUE(
+        profile.parse(R"({"packages": {"com.x": {"version": "1", "size": 3}}})", "w.json", &error))
+        << error;
+    EXPECT_EQ(profile.warnings(),
+              std::vector<std::string>{"w.json: packages[\"com.x\"].size: unknown key (ignored)"});
+    for (const char *name : {"default", "india", "china", "no-info"}) {
+        sim::Profile shipped;
+        EXPECT_TRUE(shipped.load(sim::Profile::resolve(name, sim::profilesDir()), &error)) << error;
+        EXPECT_TRUE(shipped.warnings().empty()) << name;
+    }
+}

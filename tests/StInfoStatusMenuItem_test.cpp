@@ -1,0 +1,154 @@
+// The rows of the device status page in a list: labels, values as the list asks for them, the
+// rows that change in place when the model's answers arrive, and what they show for nothing.
+
+// Smart-object membership is asked through upstream's Eo API, which it marks as beta.
+#define EFL_BETA_API_SUPPORT 1
+
+#include <gtest/gtest.h>
+#include <vconf.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string>
+
+#include "PlatformState.h"
+#include "StInfoStatusMenuItem.h"
+#include "StInfoStatusModel.h"
+#include "support/EflTestEnvironment.h"
+
+namespace {
+
+using Row = StInfoStatusMenuItem;
+
+class StInfoStatusMenuItemTest : public EflTest {
+protected:
+    void SetUp() override {
+        EflTest::SetUp();
+        std::string bus = "unix:path=" + EflTestEnvironment::stateDir() + "/no-bus.sock";
+        setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.c_str(), 1);
+        _genlist = elm_genlist_add(_win);
+        evas_object_size_hint_weight_set(_genlist, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
+        elm_win_resize_object_add(_win, _genlist);
+        evas_object_show(_genlist);
+    }
+
+    void writeProfile(const std::string &json) {
+        std::ofstream(EflTestEnvironment::stateDir() + "/profile.json") << json;
+        platform::reloadProfile();
+    }
+
+    Elm_Object_Item *append(Row::AboutMenu kind) {
+        auto *row = new Row(kind);
+        Elm_Genlist_Item_Class *itc = row->getItemClassNew();
+        Elm_Object_Item *item = elm_genlist_item_append(_genlist, itc, row, nullptr,
+                                                        ELM_GENLIST_ITEM_NONE, nullptr, nullptr);
+        elm_genlist_item_class_free(itc);
+        row->setElmObjectItem(item);
+        return item;
+    }
+
+    static std::string text(Elm_Object_Item *item, const char *part) {
+        const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
+        char *t = itc->func.text_get(elm_object_item_data_get(item), nullptr, part);
+        std::string out = t ? t : "(none)";
+        free(t);
+        return out;
+    }
+
+    // Whether a row of the list draws value as its value.
+    bool drawn(const std::string &value) { return drawnIn(_genlist, value); }
+
+    static bool drawnIn(Evas_Object *obj, const std::string &value) {
+        const char *type = evas_object_type_get(obj);
+        if (type && !strcmp(type, "edje")) {
+            const char *t = edje_object_part_text_get(obj, "elm.text.1");
+            if (t && value == t)
+                return true;
+        }
+        if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
+            return false;
+        Eina_List *children = evas_object_smart_members_get(obj);
+        bool found = false;
+        void *child;
+        EINA_LIST_FREE(children, child) {
+            if (!found)
+                found = drawnIn(static_cast<Evas_Object *>(child), value);
+        }
+        return found;
+    }
+
+    static std::string style(Elm_Object_Item *item) {
+        return elm_genlist_item_item_class_get(item)->item_style;
+    }
+
+    Evas_Object *_genlist = nullptr;
+};
+
+}  // namespace
+
+TEST_F(StInfoStatusMenuItemTest, AsynchronousRowsChangeInPlaceAndEscapeMarkup) {
+    writeProfile(R"({"system_info": {"vendor": {"tizen/feature/esim.phase": 1}},
+        "telephony": {"modem": true}, "sim": {"msisdn": "+447700900123"},
+        "esim": {"eid": "8904903200000100", "profiles": [
+            {"name": "Kite & Co <Travel>", "kind": 2, "state": 1}]},
+        "latency": {"msisdn_ms": 100, "esim_profile_list_ms": 100, "esim_eid_ms": 100}})");
+    vconf_set_str("db/setting/selected_num", "");
+    vconf_set_str("db/menu_widget/regionformat", "en_GB.UTF-8");
+    Elm_Object_Item *profile = append(Row::ESIM_PROFILE);
+    Elm_Object_Item *eid = append(Row::EID);
+    Elm_Object_Item *phone = append(Row::PHONE_NUMBER);
+    settle();
+    EXPECT_EQ(style(profile), "2text/sub1.multiline");
+    EXPECT_EQ(style(eid), "2text/sub1.multiline");
+    EXPECT_EQ(style(phone), "2text");
+    EXPECT_EQ(text(eid, "elm.text"), "eID");
+    EXPECT_EQ(text(profile, "elm.text.1"), "None");
+    EXPECT_EQ(text(eid, "elm.text.1"), "Unknown");
+    EXPECT_EQ(text(phone, "elm.text.1"), "Unknown");
+    EXPECT_TRUE(drawn("None"));
+
+    StInfoStatusModel *model = StInfoStatusModel::getInstance();
+    bool eidArrived = false;
+    model->_eidSignal.addListener([&eidArrived]() { eidArrived = true; });
+    ASSERT_TRUE(runUntil([&]() { return eidArrived && text(phone, "elm.text.1") != "Unknown"; }));
+    settle(0.1);
+    EXPECT_EQ(text(profile, "elm.text.1"), "Kite &amp; Co &lt;Travel&gt;");
+    EXPECT_EQ(text(eid, "elm.text.1"), "8904903200000100");
+    EXPECT_EQ(text(phone, "elm.text.1"), "+44 7700 900123");
+    EXPECT_EQ(text(phone, "elm.text.2"), "(none)");
+    // The list redrew them in place: the drawn texts are the new ones.
+    EXPECT_TRUE(drawn("8904903200000100"));
+    EXPECT_TRUE(drawn("+44 7700 900123"));
+    EXPECT_TRUE(drawn("Kite &amp; Co &lt;Travel&gt;"));
+    EXPECT_FALSE(drawn("None"));
+
+    // Deleted rows no longer listen: later answers reach no freed row.
+    elm_genlist_clear(_genlist);
+    settle();
+    model->_eidSignal.emit();
+    model->_esimProfileSignal.emit();
+    model->_msisdnSignal.emit();
+}
+
+TEST_F(StInfoStatusMenuItemTest, LabelsFollowTheCountryAndEmptyValuesShowUnknown) {
+    writeProfile(R"({"telephony": {"modem": true}, "sim": {"iccid": "123456"},
+                     "bluetooth": {"address": ""}, "wifi": {}})");
+    vconf_set_str("db/csc/text_string_country", "CN");
+    vconf_set_str("db/csc/text_string_customer", "KTO");
+    Elm_Object_Item *wifi = append(Row::WIFI_MAC_ADDRESS);
+    Elm_Object_Item *bt = append(Row::BLUETOOTH_ADDRESS);
+    Elm_Object_Item *iccid = append(Row::ICCID);
+    Elm_Object_Item *ims = append(Row::IMS_REGISTRATION);
+    Elm_Object_Item *prl = append(Row::PRL);
+    EXPECT_EQ(text(wifi, "elm.text"), "WLAN MAC address");
+    EXPECT_EQ(text(prl, "elm.text"), "PRL");
+    EXPECT_EQ(text(wifi, "elm.text.1"), "Unknown");
+    // An empty address and a too short carrier ICCID both show the unknown text.
+    EXPECT_EQ(text(bt, "elm.text.1"), "Unknown");
+    EXPECT_EQ(text(iccid, "elm.text.1"), "Unknown");
+    EXPECT_EQ(text(ims, "elm.text.1"), "Off");
+
+    vconf_set_str("db/csc/text_string_country", "GB");
+    EXPECT_EQ(text(wifi, "elm.text"), "Wi-Fi MAC address");
+}
