@@ -109,7 +109,7 @@ TEST(PagesE2E, SoftwarePageShowsTheProfileAndFiveTapsTurnDeveloperModeOn) {
               "SEPF_SM-R925_6.0_0047");
     EXPECT_EQ(run.dumps[1]["toast"], nullptr);
     // The fifth counted tap.
-    EXPECT_EQ(run.dumps[2]["toast"], "Developer mode turned on.");
+    EXPECT_EQ(run.dumps[2]["toast"], "developer mode turned on");
     EXPECT_EQ(watch.sim("get db/setting/developer_option_state"), "true\n");
 }
 
@@ -122,9 +122,9 @@ TEST(PagesE2E, ToastStaysEightSecondsWithTheScreenReaderAndTwoWithout) {
                            fiveTaps + "wait 7000\ndump\nwait 2000\ndump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
     ASSERT_EQ(run.dumps.size(), 4u);
-    EXPECT_EQ(run.dumps[0]["toast"], "Developer mode turned on.");
+    EXPECT_EQ(run.dumps[0]["toast"], "developer mode turned on");
     EXPECT_EQ(run.dumps[1]["toast"], nullptr);
-    EXPECT_EQ(run.dumps[2]["toast"], "Developer mode turned on.");
+    EXPECT_EQ(run.dumps[2]["toast"], "developer mode turned on");
     EXPECT_EQ(run.dumps[3]["toast"], nullptr);
 }
 

@@ -330,7 +330,7 @@ TEST_F(SoftwarePageTest, FiveTapsTurnDeveloperModeOnWithAToast) {
     EXPECT_TRUE(developerOption());
     auto toasts = visibleToasts();
     ASSERT_EQ(toasts.size(), 1u);
-    EXPECT_STREQ(elm_object_part_text_get(toasts[0], "elm.text"), "Developer mode turned on.");
+    EXPECT_STREQ(elm_object_part_text_get(toasts[0], "elm.text"), "developer mode turned on");
     // The row is not left highlighted.
     EXPECT_FALSE(elm_genlist_item_selected_get(softwareRow()));
 }
