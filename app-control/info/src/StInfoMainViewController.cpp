@@ -4,11 +4,9 @@
 #include <WPopupController.h>
 #include <app_control.h>
 #include <efl_extension.h>
-#include <uxt_genlist.h>
 #include <vconf.h>
 
 #include "StAppControlLauncher.h"
-#include "StCircleSurfaceManager.h"
 #include "StInfoDefines.h"
 #include "StInfoBatteryViewController.h"
 #include "StInfoGeneralMenuItem.h"
@@ -22,7 +20,6 @@
 #include "StInfoReportDiagnosticPopupController.h"
 #include "StInfoStatusViewController.h"
 #include "StInfoSwViewController.h"
-#include "StInfoTitleItem.h"
 #include "StInfoUSBDebugItem.h"
 #include "StInfoUSBDebuggingPopupController.h"
 #include "StLog.h"
@@ -35,24 +32,20 @@ const char *const kLicenseViewerAppId = "com.nerova.tessid.license-viewer";
 const char *const kResetAppId = "com.nerova.quillset.reset";
 const double kLaunchBlockSeconds = 1.0;
 
-// Appends a row by the list's contract: selectable rows get the framework's selection
-// callback, display-only ones none.
-Elm_Object_Item *appendRow(Evas_Object *genlist, StDecoratableItem *row, bool selectable) {
+// Appends a row that reacts to taps through the framework's selection callback.
+Elm_Object_Item *appendSelectableRow(Evas_Object *genlist, StDecoratableItem *row) {
     Elm_Genlist_Item_Class *itc = row->getItemClassNew();
-    Elm_Object_Item *item = elm_genlist_item_append(
-        genlist, itc, row, nullptr, ELM_GENLIST_ITEM_NONE,
-        selectable ? app_assist::WGenlistItem::getSelectCb() : nullptr, selectable ? row : nullptr);
+    Elm_Object_Item *item =
+        elm_genlist_item_append(genlist, itc, row, nullptr, ELM_GENLIST_ITEM_NONE,
+                                app_assist::WGenlistItem::getSelectCb(), row);
     elm_genlist_item_class_free(itc);
-    if (!selectable)
-        elm_genlist_item_select_mode_set(item, ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY);
     return item;
 }
 
 }  // namespace
 
 StInfoMainViewController::StInfoMainViewController()
-    : _circleGenlist(nullptr),
-      _usbDebugItem(nullptr),
+    : _usbDebugItem(nullptr),
       _privacyNoticeItem(nullptr),
       _reportDiagnosticListenerId(0),
       _usbDebugListenerId(0),
@@ -65,23 +58,11 @@ StInfoMainViewController::~StInfoMainViewController() {}
 Evas_Object *StInfoMainViewController::onCreateView(Evas_Object *parent, void *) {
     setTitle(kTitle);
 
-    Evas_Object *genlist = elm_genlist_add(parent);
-    elm_genlist_mode_set(genlist, ELM_LIST_COMPRESS);
-    _circleGenlist = eext_circle_object_genlist_add(
-        genlist, StCircleSurfaceManager::getInstance()->getCircleSurface());
-    eext_circle_object_genlist_scroller_policy_set(_circleGenlist, ELM_SCROLLER_POLICY_OFF,
-                                                   ELM_SCROLLER_POLICY_AUTO);
-    eext_rotary_object_event_activated_set(_circleGenlist, EINA_TRUE);
-    uxt_genlist_set_bottom_margin_enabled(genlist, true);
-
-    // The title row is display-only and the one row that keeps no item handle.
-    appendRow(genlist, new StInfoTitleItem(kTitle), false);
+    Evas_Object *genlist = _createList(parent, kTitle);
 
     _addDeviceInformationEntry(genlist);
-    for (int type : {StInfoGeneralMenuItem::MODEL_NUMBER, StInfoGeneralMenuItem::STORAGE}) {
-        auto *fact = new StInfoGeneralMenuItem(type);
-        fact->setElmObjectItem(appendRow(genlist, fact, false));
-    }
+    for (int type : {StInfoGeneralMenuItem::MODEL_NUMBER, StInfoGeneralMenuItem::STORAGE})
+        _appendDisplayRow(genlist, new StInfoGeneralMenuItem(type));
     _addInformationPageEntries(genlist);
     _addSwitches(genlist);
     _addPrivacyNotice(genlist);
@@ -94,7 +75,7 @@ Evas_Object *StInfoMainViewController::onCreateView(Evas_Object *parent, void *)
 void StInfoMainViewController::_addPageEntry(Evas_Object *genlist, const char *textId,
                                              std::function<app_assist::WViewController *()> page) {
     auto *entry = new StInfoMenuItem(textId);
-    entry->setElmObjectItem(appendRow(genlist, entry, true));
+    entry->setElmObjectItem(appendSelectableRow(genlist, entry));
     entry->setOnSelect([this, page]() { getNaviframeController()->push(page()); });
 }
 
@@ -120,13 +101,13 @@ void StInfoMainViewController::_addSwitches(Evas_Object *genlist) {
     StInfoModel *model = StInfoModel::getInstance();
 
     auto *diagnostic = new StInfoReportDiagnosticItem();
-    diagnostic->setElmObjectItem(appendRow(genlist, diagnostic, true));
+    diagnostic->setElmObjectItem(appendSelectableRow(genlist, diagnostic));
     diagnostic->setOnSelect([this]() { _onReportDiagnosticTapped(); });
     _reportDiagnosticListenerId = model->getReportDiagnosticChangedSignal().addListener(
         [diagnostic](bool on) { diagnostic->setCheckState(on); }, genlist);
 
     auto *debug = new StInfoUSBDebugItem();
-    _usbDebugItem = appendRow(genlist, debug, true);
+    _usbDebugItem = appendSelectableRow(genlist, debug);
     debug->setElmObjectItem(_usbDebugItem);
     debug->setOnSelect([this]() { _onUsbDebugTapped(); });
     _usbDebugListenerId = model->getUsbDebuggingChangedSignal().addListener(
@@ -184,7 +165,7 @@ void StInfoMainViewController::_addRelativeLinks(Evas_Object *genlist) {
     header->setElmObjectItem(headerItem);
 
     auto *reset = new StInfoMenuItem("WDS_ST_BODY_RESET_KESTA_ABB");
-    reset->setElmObjectItem(appendRow(genlist, reset, true));
+    reset->setElmObjectItem(appendSelectableRow(genlist, reset));
     reset->setOnSelect([genlist]() {
         app_control_h request = nullptr;
         if (app_control_create(&request) == APP_CONTROL_ERROR_NONE) {
@@ -229,16 +210,6 @@ void StInfoMainViewController::_createRestrictedPopup() {
     popup->addButton("WDS_ST_BUTTON_OK_ABB", close);
     popup->setOnBack(close);
     attachPopup(popup);
-}
-
-void StInfoMainViewController::onPushed(Elm_Object_Item *naviItem) {
-    elm_naviframe_item_title_enabled_set(naviItem, EINA_FALSE, EINA_FALSE);
-    elm_object_item_domain_part_text_translatable_set(naviItem, nullptr, ST_INFO_TEXT_DOMAIN,
-                                                      EINA_TRUE);
-}
-
-void StInfoMainViewController::onBecomeTop() {
-    eext_rotary_object_event_activated_set(_circleGenlist, EINA_TRUE);
 }
 
 void StInfoMainViewController::_realizedCb(void *, Evas_Object *, void *eventInfo) {

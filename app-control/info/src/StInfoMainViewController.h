@@ -1,20 +1,18 @@
 #ifndef _ST_INFO_MAIN_VIEW_CONTROLLER_H_
 #define _ST_INFO_MAIN_VIEW_CONTROLLER_H_
 
-#include <WContentViewController.h>
+#include "StInfoListViewController.h"
 
 #include <functional>
 
 // The About list: the first screen of the application.
-class StInfoMainViewController : public app_assist::WContentViewController {
+class StInfoMainViewController : public StInfoListViewController {
 public:
     StInfoMainViewController();
     ~StInfoMainViewController() override;
 
 protected:
     Evas_Object *onCreateView(Evas_Object *parent, void *viewParam) override;
-    void onPushed(Elm_Object_Item *naviItem) override;
-    void onBecomeTop() override;
 
 private:
     // An entry that opens a page: page() makes the view to push.
@@ -30,7 +28,6 @@ private:
     void _createRestrictedPopup();
     static void _realizedCb(void *data, Evas_Object *obj, void *eventInfo);
 
-    Evas_Object *_circleGenlist;
     Elm_Object_Item *_usbDebugItem;
     Elm_Object_Item *_privacyNoticeItem;
     unsigned int _reportDiagnosticListenerId;

@@ -5,13 +5,10 @@
 #include <efl_extension.h>
 #include <libintl.h>
 #include <package_manager.h>
-#include <uxt_genlist.h>
 #include <vconf.h>
 
 #include "StAppControlLauncher.h"
-#include "StCircleSurfaceManager.h"
 #include "StInfoDefines.h"
-#include "StInfoTitleItem.h"
 #include "StLog.h"
 #include "tessid/StInfoTessidViewController.h"
 
@@ -29,29 +26,14 @@ const double kLaunchBlockSeconds = 1.0;
 
 }  // namespace
 
-StInfoSwViewController::StInfoSwViewController() : _circleGenlist(nullptr), _devModeTapCount(0) {}
+StInfoSwViewController::StInfoSwViewController() : _devModeTapCount(0) {}
 
 StInfoSwViewController::~StInfoSwViewController() {}
 
 Evas_Object *StInfoSwViewController::onCreateView(Evas_Object *parent, void *) {
     setTitle(kTitle);
 
-    Evas_Object *genlist = elm_genlist_add(parent);
-    elm_genlist_mode_set(genlist, ELM_LIST_COMPRESS);
-    uxt_genlist_set_bottom_margin_enabled(genlist, EINA_TRUE);
-
-    _circleGenlist = eext_circle_object_genlist_add(
-        genlist, StCircleSurfaceManager::getInstance()->getCircleSurface());
-    eext_circle_object_genlist_scroller_policy_set(_circleGenlist, ELM_SCROLLER_POLICY_OFF,
-                                                   ELM_SCROLLER_POLICY_AUTO);
-    eext_rotary_object_event_activated_set(_circleGenlist, EINA_TRUE);
-
-    auto *title = new StInfoTitleItem(kTitle);
-    Elm_Genlist_Item_Class *itc = title->getItemClassNew();
-    Elm_Object_Item *titleItem = elm_genlist_item_append(genlist, itc, title, nullptr,
-                                                         ELM_GENLIST_ITEM_NONE, nullptr, nullptr);
-    elm_genlist_item_class_free(itc);
-    elm_genlist_item_select_mode_set(titleItem, ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY);
+    Evas_Object *genlist = _createList(parent, kTitle);
 
     _appendRow(genlist, StInfoSwMenuItem::TIZEN_VERSION, [this]() { _devModeTapCount = 0; });
     _appendRow(genlist, StInfoSwMenuItem::SW_VERSION, [this]() { _onSwVersionTapped(); });
@@ -137,14 +119,4 @@ void StInfoSwViewController::_launchTessidSettings() {
     app_control_set_launch_mode(request, APP_CONTROL_LAUNCH_MODE_GROUP);
     StAppControlLauncher::getInstance()->sendLaunchRequest(request, nullptr, nullptr,
                                                            getEvasObject(), kLaunchBlockSeconds);
-}
-
-void StInfoSwViewController::onPushed(Elm_Object_Item *naviItem) {
-    elm_naviframe_item_title_enabled_set(naviItem, EINA_FALSE, EINA_FALSE);
-    elm_object_item_domain_part_text_translatable_set(naviItem, nullptr, ST_INFO_TEXT_DOMAIN,
-                                                      EINA_TRUE);
-}
-
-void StInfoSwViewController::onBecomeTop() {
-    eext_rotary_object_event_activated_set(_circleGenlist, EINA_TRUE);
 }

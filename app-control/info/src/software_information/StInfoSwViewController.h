@@ -1,7 +1,7 @@
 #ifndef _ST_INFO_SW_VIEW_CONTROLLER_H_
 #define _ST_INFO_SW_VIEW_CONTROLLER_H_
 
-#include <WContentViewController.h>
+#include "StInfoListViewController.h"
 
 #include <functional>
 
@@ -9,7 +9,7 @@
 
 // The software information page. Five taps in a row on the software version turn developer
 // mode on.
-class StInfoSwViewController : public app_assist::WContentViewController {
+class StInfoSwViewController : public StInfoListViewController {
 public:
     StInfoSwViewController();
     ~StInfoSwViewController() override;
@@ -19,8 +19,6 @@ public:
 
 protected:
     Evas_Object *onCreateView(Evas_Object *parent, void *viewParam) override;
-    void onPushed(Elm_Object_Item *naviItem) override;
-    void onBecomeTop() override;
 
 private:
     void _appendRow(Evas_Object *genlist, StInfoSwMenuItem::ItemType type,
@@ -31,7 +29,6 @@ private:
     static void _onToastDismiss(void *data, Evas_Object *obj, void *eventInfo);
     static void _onToastGone(void *data, Evas_Object *obj, void *eventInfo);
 
-    Evas_Object *_circleGenlist;
     int _devModeTapCount;
 };
 

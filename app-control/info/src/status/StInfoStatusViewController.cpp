@@ -1,16 +1,12 @@
 #include "StInfoStatusViewController.h"
 
 #include <app_control.h>
-#include <efl_extension.h>
 #include <system_info.h>
-#include <uxt_genlist.h>
 #include <vconf.h>
 
 #include "StAppControlLauncher.h"
-#include "StCircleSurfaceManager.h"
 #include "StInfoDefines.h"
 #include "StInfoStatusModel.h"
-#include "StInfoTitleItem.h"
 #include "StLog.h"
 #include "StLogManager.h"
 
@@ -25,8 +21,7 @@ const double kLaunchBlockSeconds = 1.0;
 
 }  // namespace
 
-StInfoStatusViewController::StInfoStatusViewController()
-    : _circleGenlist(nullptr), _keyStringTapCount(0) {
+StInfoStatusViewController::StInfoStatusViewController() : _keyStringTapCount(0) {
     StLogManager::getInstance()->log(ST_LOG_URI_FEATURE_SURVEY, "ST15", nullptr, nullptr);
 }
 
@@ -50,21 +45,7 @@ void StInfoStatusViewController::_appendRow(Evas_Object *genlist,
 Evas_Object *StInfoStatusViewController::onCreateView(Evas_Object *parent, void *) {
     setTitle(kTitle);
 
-    Evas_Object *genlist = elm_genlist_add(parent);
-    elm_genlist_mode_set(genlist, ELM_LIST_COMPRESS);
-    uxt_genlist_set_bottom_margin_enabled(genlist, EINA_TRUE);
-    _circleGenlist = eext_circle_object_genlist_add(
-        genlist, StCircleSurfaceManager::getInstance()->getCircleSurface());
-    eext_circle_object_genlist_scroller_policy_set(_circleGenlist, ELM_SCROLLER_POLICY_OFF,
-                                                   ELM_SCROLLER_POLICY_AUTO);
-    eext_rotary_object_event_activated_set(_circleGenlist, EINA_TRUE);
-
-    auto *title = new StInfoTitleItem(kTitle);
-    Elm_Genlist_Item_Class *titleItc = title->getItemClassNew();
-    Elm_Object_Item *titleItem = elm_genlist_item_append(genlist, titleItc, title, nullptr,
-                                                         ELM_GENLIST_ITEM_NONE, nullptr, nullptr);
-    elm_genlist_item_select_mode_set(titleItem, ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY);
-    elm_genlist_item_class_free(titleItc);
+    Evas_Object *genlist = _createList(parent, kTitle);
 
     StInfoStatusModel *model = StInfoStatusModel::getInstance();
     auto resetTaps = [this]() { _keyStringTapCount = 0; };
@@ -139,14 +120,4 @@ void StInfoStatusViewController::_countKeyStringTap() {
     app_control_set_app_id(request, kKeyStringAppId);
     app_control_send_launch_request(request, nullptr, nullptr);
     app_control_destroy(request);
-}
-
-void StInfoStatusViewController::onPushed(Elm_Object_Item *naviItem) {
-    elm_naviframe_item_title_enabled_set(naviItem, EINA_FALSE, EINA_FALSE);
-    elm_object_item_domain_part_text_translatable_set(naviItem, nullptr, ST_INFO_TEXT_DOMAIN,
-                                                      EINA_TRUE);
-}
-
-void StInfoStatusViewController::onBecomeTop() {
-    eext_rotary_object_event_activated_set(_circleGenlist, EINA_TRUE);
 }

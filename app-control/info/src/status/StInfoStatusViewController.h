@@ -1,21 +1,19 @@
 #ifndef _ST_INFO_STATUS_VIEW_CONTROLLER_H_
 #define _ST_INFO_STATUS_VIEW_CONTROLLER_H_
 
-#include <WContentViewController.h>
+#include "StInfoListViewController.h"
 
 #include "StInfoStatusMenuItem.h"
 
 // The device status page: identifiers of the watch, its SIM, eSIM and radios. Which rows it
 // has depends on the device and its carrier configuration.
-class StInfoStatusViewController : public app_assist::WContentViewController {
+class StInfoStatusViewController : public StInfoListViewController {
 public:
     StInfoStatusViewController();
     ~StInfoStatusViewController() override;
 
 protected:
     Evas_Object *onCreateView(Evas_Object *parent, void *viewParam) override;
-    void onPushed(Elm_Object_Item *naviItem) override;
-    void onBecomeTop() override;
 
 private:
     void _appendRow(Evas_Object *genlist, StInfoStatusMenuItem::AboutMenu kind,
@@ -23,7 +21,6 @@ private:
     void _launchEsimSettings();
     void _countKeyStringTap();
 
-    Evas_Object *_circleGenlist;
     int _keyStringTapCount;
 };
 
