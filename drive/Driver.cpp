@@ -21,6 +21,8 @@
 #include <memory>
 #include <sstream>
 
+#include "PlatformState.h"
+
 namespace {
 
 const double kSettle = 0.06;     // lets the toolkit lay out and draw after a command
@@ -614,6 +616,11 @@ void Driver::_tourExplore(const std::string &name, int depth) {
     // Steps for one screen: capture it, then visit what each of its rows opens. Steps go to
     // the front of the queue so that a page is finished before its parent goes on.
     std::deque<std::function<double()>> steps;
+    if (depth > 0) {
+        // A page asks for its asynchronous values as it opens; wait until the slowest answer
+        // has arrived so that the picture shows what a person would see.
+        steps.push_back([]() { return platform::longestLatencySeconds() + kSettle; });
+    }
     steps.push_back([this]() {
         return _revealSwitches(
             [this](const ScreenReader::SwitchStates &states) { _tourSwitches = states; });
@@ -661,8 +668,10 @@ void Driver::_tourExplore(const std::string &name, int depth) {
                             _tourSteps.push_back(std::move(step));
                         return 0.0;
                     }
-                    // Something was launched or switched: let the list take input again.
-                    return kLaunchBlock;
+                    // Something may have been launched: a launch freezes the list for a
+                    // while, and the next tap must wait until it takes input again.
+                    _tourSteps.push_front([this]() { return _waitForInput(kLaunchBlock); });
+                    return 0.0;
                 });
                 return kSettle * 2;
             });
@@ -671,6 +680,15 @@ void Driver::_tourExplore(const std::string &name, int depth) {
     }
     for (auto it = steps.rbegin(); it != steps.rend(); ++it)
         _tourSteps.push_front(std::move(*it));
+}
+
+double Driver::_waitForInput(double budget) {
+    Evas_Object *list = _reader.topList();
+    if (!list || !evas_object_freeze_events_get(list) || budget <= 0)
+        return 0.0;
+    const double poll = 0.05;
+    _tourSteps.push_front([this, budget, poll]() { return _waitForInput(budget - poll); });
+    return poll;
 }
 
 bool Driver::_touchRow(Elm_Object_Item *item) {

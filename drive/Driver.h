@@ -45,6 +45,8 @@ private:
     void _tourExplore(const std::string &name, int depth);
     void _tourStep();
     bool _touchRow(Elm_Object_Item *item);
+    // A tour step that polls until the top list takes input again (at most budget seconds).
+    double _waitForInput(double budget);
 
     // Brings each switch row that is off screen into view long enough to read its switch,
     // puts the list back where it was, then calls done. Returns the time that takes.

@@ -10,9 +10,5 @@ if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
     exec "$bin/quillset-sim" run --profile "$profile" -- "$bin/quillset-info"
 fi
 
-out="out/tour/$profile"
-rm -rf "$out"
-mkdir -p "$out"
-echo "No display: touring every screen of profile '$profile' headless into $out/"
-echo "tour $out" | "$bin/quillset-sim" run --profile "$profile" -- "$bin/quillset-drive"
-echo "Screens written to $out/ (one PNG and one dump each)."
+echo "No display: touring every screen of profile '$profile' headless instead."
+exec "$(dirname "$0")/tour.sh" "$build" "$profile"

@@ -2,6 +2,7 @@
 
 #include <dlog.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -89,6 +90,27 @@ void reloadProfile() {
     cache().profileLoaded = false;
     cache().usageTried = false;
     cache().usage.reset();
+}
+
+double latencySeconds(const char *key) {
+    const nlohmann::json &p = profile();
+    auto latency = p.find("latency");
+    if (latency == p.end() || !latency->is_object())
+        return 0.0;
+    auto it = latency->find(key);
+    if (it == latency->end() || !it->is_number() || it->get<double>() < 0)
+        return 0.0;
+    return it->get<double>() / 1000.0;
+}
+
+double longestLatencySeconds() {
+    const nlohmann::json &p = profile();
+    auto latency = p.find("latency");
+    double longest = 0.0;
+    if (latency != p.end() && latency->is_object())
+        for (const auto &item : latency->items())
+            longest = std::max(longest, latencySeconds(item.key().c_str()));
+    return longest;
 }
 
 bool fault(const char *call, const char *key, int *code) {

@@ -19,6 +19,11 @@ const std::string &dataDir();
 // The device profile, read once; an empty object when there is none.
 const nlohmann::json &profile();
 
+// How long the watch takes to answer an asynchronous request (profile "latency", in ms);
+// 0 when the profile does not say. The longest is what a reader waits for everything.
+double latencySeconds(const char *key);
+double longestLatencySeconds();
+
 // True when the profile's "faults" make call (for any key, or for this key) fail; code
 // receives the error code to answer with. Logs nothing: the stand-in decides what to say.
 bool fault(const char *call, const char *key, int *code);

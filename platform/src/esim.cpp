@@ -77,17 +77,6 @@ const nlohmann::json &section() {
     return it != profile.end() && it->is_object() ? *it : empty;
 }
 
-double latencySeconds(const char *key) {
-    const nlohmann::json &profile = platform::profile();
-    auto latency = profile.find("latency");
-    if (latency == profile.end() || !latency->is_object())
-        return 0.0;
-    auto it = latency->find(key);
-    if (it == latency->end() || !it->is_number() || it->get<double>() < 0)
-        return 0.0;
-    return it->get<double>() / 1000.0;
-}
-
 std::vector<Profile> parseProfiles(const nlohmann::json &list) {
     std::vector<Profile> out;
     if (!list.is_array())
@@ -171,7 +160,7 @@ Eina_Bool eidReplyCb(void *data) {
 }
 
 int startRequest(esim_h handle, Request *request, const char *latencyKey, Ecore_Task_Cb replyCb) {
-    request->timer = ecore_timer_add(latencySeconds(latencyKey), replyCb, request);
+    request->timer = ecore_timer_add(platform::latencySeconds(latencyKey), replyCb, request);
     if (!request->timer) {
         delete request;
         return ESIM_ERROR_OPERATION_FAILED;

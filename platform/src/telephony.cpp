@@ -86,14 +86,6 @@ void copyField(char *field, size_t size, const std::string &value) {
     field[size - 1] = '\0';
 }
 
-double latencySeconds(const char *key) {
-    const nlohmann::json &latency = section("latency");
-    auto it = latency.find(key);
-    if (it == latency.end() || !it->is_number() || it->get<double>() < 0)
-        return 0.0;
-    return it->get<double>() / 1000.0;
-}
-
 void simRefreshed(TapiHandle *handle, const std::vector<std::string> &args) {
     if (!args.empty())
         refreshedMsisdn() = args[0];
@@ -249,7 +241,7 @@ int tel_get_sim_msisdn(TapiHandle *handle, tapi_response_cb callback, void *user
     if (platform::fault("tel_get_sim_msisdn", nullptr, &code))
         return code;
     auto *request = new Request{handle, callback, user_data, nullptr};
-    request->timer = ecore_timer_add(latencySeconds("msisdn_ms"), msisdnReplyCb, request);
+    request->timer = ecore_timer_add(platform::latencySeconds("msisdn_ms"), msisdnReplyCb, request);
     if (!request->timer) {
         delete request;
         return TAPI_API_OPERATION_FAILED;

@@ -1,0 +1,74 @@
+#!/usr/bin/env bash
+# `make tour`: every screen of every device profile, in English and in German, as a PNG and a
+# dump each, then a contact sheet out/tour/index.html. Two watches run side by side.
+#   scripts/tour.sh BUILD [PROFILE...]      (default: every shipped profile)
+set -uo pipefail
+build=${1:-build}
+shift || true
+bin="$(cd "$build/bin" && pwd)"
+top="$(cd "$(dirname "$0")/.." && pwd)"
+out="${TOUR_OUT:-$top/out/tour}"
+languages=(en de)
+jobs=${TOUR_JOBS:-2}
+
+# A second terminal's watch must not be toured by accident.
+unset QUILLSET_STATE
+
+if [ $# -gt 0 ]; then
+    profiles=("$@")
+else
+    mapfile -t profiles < <("$bin/quillset-sim" profiles | awk '{print $1}')
+fi
+if [ ${#profiles[@]} -eq 0 ]; then
+    echo "tour: no profiles" >&2
+    exit 1
+fi
+
+# Only the profiles toured now are replaced; others stay from earlier tours.
+mkdir -p "$out"
+for profile in "${profiles[@]}"; do
+    rm -rf "${out:?}/$profile"
+done
+
+total=$((${#profiles[@]} * ${#languages[@]}))
+echo "tour: ${#profiles[@]} profiles x ${#languages[@]} languages = $total walks, $jobs at a time, into $out/"
+
+# One walk: a fresh watch, the language set, every reachable screen captured.
+walk() {
+    local profile=$1 lang=$2 dir="$out/$1/$2"
+    mkdir -p "$dir"
+    local start=$SECONDS
+    {
+        [ "$lang" = en ] || printf 'sim event language %s\nwait 300\n' "$lang"
+        printf 'tour %s\n' "$dir"
+    } | "$bin/quillset-sim" run --profile "$profile" -- "$bin/quillset-drive" \
+        >"$dir/tour.jsonl" 2>"$dir/tour.log"
+    local status=$?
+    local screens
+    screens=$(find "$dir" -name '*.png' | wc -l)
+    if [ $status -eq 0 ]; then
+        echo "$profile $lang ok $screens $((SECONDS - start))"
+    else
+        echo "$profile $lang failed($status) $screens $((SECONDS - start))"
+    fi
+}
+export -f walk
+export bin out
+
+failed=0
+done_count=0
+while read -r profile lang result screens seconds; do
+    done_count=$((done_count + 1))
+    printf 'tour: [%2d/%d] %-16s %s  %3d screens  %3ds  %s\n' "$done_count" "$total" "$profile" \
+        "$lang" "$screens" "$seconds" "$result"
+    if [ "$result" != ok ]; then
+        failed=1
+        sed 's/^/    /' "$out/$profile/$lang/tour.log" | tail -n 5
+    fi
+done < <(for profile in "${profiles[@]}"; do
+             for lang in "${languages[@]}"; do echo "$profile $lang"; done
+         done | xargs -P "$jobs" -L 1 bash -c 'walk "$0" "$1"')
+
+python3 "$top/scripts/tour_index.py" "$out" "${languages[@]}" || failed=1
+echo "tour: contact sheet $out/index.html"
+exit $failed
