@@ -22,6 +22,7 @@
 #include <sstream>
 
 #include "PlatformState.h"
+#include "ReadingOrder.h"
 
 namespace {
 
@@ -206,6 +207,11 @@ void Driver::_run(const Line &line) {
                       << std::endl;
             done(0);
         });
+    } else if (command == "a11y") {
+        std::cout << ReadingOrder(_reader).read().dump(-1, ' ', false,
+                                                       nlohmann::json::error_handler_t::replace)
+                  << std::endl;
+        done(0);
     } else if (command == "tap") {
         if (_tap(line, arg))
             return;  // continues on its own
@@ -275,7 +281,7 @@ void Driver::_run(const Line &line) {
         ui_app_exit();
     } else {
         _fail(line,
-              "unknown command (dump, tap, press, back, bezel, wait, shot, expect, set, "
+              "unknown command (dump, a11y, tap, press, back, bezel, wait, shot, expect, set, "
               "sim, tour, quit)");
     }
 }

@@ -54,9 +54,9 @@ private:
 void usage() {
     std::cerr << "usage: quillset-drive [--script FILE] [--window]\n"
                  "Runs the About application and executes commands (from FILE, or stdin):\n"
-                 "  dump | tap LABEL | tap #N | press LABEL | press #N | back | bezel N |\n"
+                 "  dump | a11y | tap LABEL | tap #N | press LABEL | press #N | back | bezel N |\n"
                  "  wait MS | shot FILE.png | expect TEXT | set KEY TYPE VALUE | sim ARGS... |\n"
-                 "  quit\n";
+                 "  tour DIR | quit\n";
 }
 
 }  // namespace
