@@ -14,7 +14,7 @@ packages=(
     libgtest-dev libgmock-dev
     fonts-dejavu-core fonts-dejavu-extra
     xvfb xauth
-    python3
+    python3 python3-jsonschema
 )
 
 missing=()

@@ -35,6 +35,7 @@ const char *const kUsage =
     "                          an eSIM event; FILE holds the new profile list (JSON)\n"
     "  event home              the home key was pressed\n"
     "  profiles                list the device profiles\n"
+    "  check PROFILE...        check profiles (names or files): errors, then warnings\n"
     "  usage                   usage records and log-provider calls, as JSON lines\n"
     "  launches                launch and terminate requests, as JSON lines\n"
     "Every command but run and profiles finds the watch through --state DIR or\n"
@@ -302,6 +303,32 @@ int cmdRun(const std::string &state, const std::vector<std::string> &args) {
     return sim::runWatch(options);
 }
 
+// One line a profile: "ok", "ok with N warnings" or the error; then its warnings indented.
+int cmdCheck(const std::vector<std::string> &names) {
+    if (names.empty())
+        return usageError("check takes one or more profiles (names or files)");
+    int status = 0;
+    for (const std::string &name : names) {
+        std::string path = sim::Profile::resolve(name, sim::profilesDir());
+        sim::Profile profile;
+        std::string error;
+        if (path.empty()) {
+            printf("%s: no such profile\n", name.c_str());
+            status = 1;
+        } else if (!profile.load(path, &error)) {
+            printf("%s\n", error.c_str());
+            status = 1;
+        } else if (profile.warnings().empty()) {
+            printf("%s: ok\n", path.c_str());
+        } else {
+            printf("%s: ok with %zu warnings\n", path.c_str(), profile.warnings().size());
+        }
+        for (const std::string &warning : profile.warnings())
+            printf("  warning: %s\n", warning.c_str());
+    }
+    return status;
+}
+
 }  // namespace
 
 int main(int argc, char *argv[]) {
@@ -334,6 +361,8 @@ int main(int argc, char *argv[]) {
         return cmdRun(watch.state, rest);
     if (command == "profiles")
         return rest.empty() ? cmdProfiles() : usageError("profiles takes no arguments");
+    if (command == "check")
+        return cmdCheck(rest);
 
     static const char *const kStateCommands[] = {"get", "set", "event", "usage", "launches"};
     bool known = false;
