@@ -185,7 +185,7 @@ void Driver::_fail(const Line &line, const std::string &reason) {
 }
 
 std::string Driver::_translate(const std::string &text) const {
-    return dgettext(kDomain, text.c_str());
+    return ScreenReader::withoutSoftHyphens(dgettext(kDomain, text.c_str()));
 }
 
 bool Driver::_matches(const std::string &shown, const std::string &wanted) const {

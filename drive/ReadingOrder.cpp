@@ -137,10 +137,10 @@ json ReadingOrder::read() const {
             reads += (reads.empty() ? "" : ", ") + description;
         const char *roleName = efl_access_object_role_name_get(obj);
         json entry;
-        entry["name"] = name;
-        entry["description"] = description;
+        entry["name"] = ScreenReader::withoutSoftHyphens(name);
+        entry["description"] = ScreenReader::withoutSoftHyphens(description);
         entry["role"] = roleName ? roleName : "";
-        entry["reads"] = reads;
+        entry["reads"] = ScreenReader::withoutSoftHyphens(reads);
         entry["tappable"] = tappable;
         if (obj == root) {
             out["announces"] = reads;

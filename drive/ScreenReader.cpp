@@ -99,7 +99,7 @@ std::string plain(const char *markup) {
     char *utf8 = elm_entry_markup_to_utf8(markup);
     std::string text = utf8 ? utf8 : "";
     free(utf8);
-    return text;
+    return ScreenReader::withoutSoftHyphens(text);
 }
 
 // Text parts that a row style shows, from the "texts" list of its theme group.
@@ -240,6 +240,13 @@ json ScreenReader::rowTexts(Elm_Object_Item *item) {
         }
     }
     return texts;
+}
+
+std::string ScreenReader::withoutSoftHyphens(std::string text) {
+    const std::string softHyphen = "\xC2\xAD";
+    for (size_t at = text.find(softHyphen); at != std::string::npos; at = text.find(softHyphen, at))
+        text.erase(at, softHyphen.size());
+    return text;
 }
 
 json ScreenReader::dump(const SwitchStates &switches) const {

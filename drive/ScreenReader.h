@@ -40,6 +40,9 @@ public:
     // Rows with content (a switch) whose state only the screen knows.
     static bool hasSwitch(Elm_Object_Item *item);
 
+    // Soft hyphens only show where a line breaks; a reader of the text does not see them.
+    static std::string withoutSoftHyphens(std::string text);
+
     // Texts of a row, keyed by part, as its item class answers them.
     static nlohmann::json rowTexts(Elm_Object_Item *item);
 };
