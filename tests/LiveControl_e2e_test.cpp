@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,13 @@ int indexOf(const json &dump, const std::string &label) {
     return row.is_null() ? -1 : row.at("index").get<int>();
 }
 
+std::string readFile(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
 std::string valueOf(const json &dump, int index) {
     json row = rowAt(dump, index);
     return row.is_null() ? "(no row)" : row["texts"].value("elm.text.1", "");
@@ -36,33 +44,31 @@ TEST(LiveControlE2E, EveryControlChangesTheOpenScreen) {
     SimulatedWatch watch("default");
     std::string profiles = watch.stateDir() + "/profiles.json";
     std::ofstream(profiles) << R"([{"name": "Roam Away", "kind": 2, "state": 1}])";
-    auto run = watch.drive(
-        "dump\n"
-        "sim set db/setting/debug_mode bool true\n"
-        "dump\n"
-        "sim set db/wms/user_agreement/errorlog bool true\n"
-        "dump\n"
-        "sim event policy usb-debugging 1\n"
-        "dump\n"
-        "sim event language de\n"
-        "dump\n"
-        "sim event launch\n"
-        "wait 200\n"
-        "dump\n"
-        "tap WDS_ST_TMBODY_DEVICE_INFORMATION\n"
-        "wait 1700\n"
-        "dump\n"
-        "sim event sim-refresh --msisdn +447700900999\n"
-        "wait 1700\n"
-        "dump\n"
-        "sim event esim 1 2 --profiles " +
-        profiles +
-        "\n"
-        "wait 1700\n"
-        "dump\n");
+    // After each step: what the rows say, and a picture of what the screen shows.
+    const std::vector<std::string> steps = {
+        "bezel 7",  // both switches in view
+        "sim set db/setting/debug_mode bool true",
+        "sim set db/wms/user_agreement/errorlog bool true",
+        "sim event policy usb-debugging 1",
+        "sim event language de",
+        "sim event launch\nwait 200",
+        "bezel -7\ntap WDS_ST_TMBODY_DEVICE_INFORMATION\nwait 1700\nbezel 1",
+        "sim event sim-refresh --msisdn +447700900999\nwait 1700",
+        "sim event esim 1 2 --profiles " + profiles + "\nwait 1700",
+    };
+    std::string script;
+    std::vector<std::string> shots;
+    for (size_t i = 0; i < steps.size(); ++i) {
+        shots.push_back(watch.stateDir() + "/live" + std::to_string(i) + ".png");
+        script += steps[i] + "\ndump\nshot " + shots.back() + "\n";
+    }
+    auto run = watch.drive(script);
     ASSERT_EQ(run.status, 0) << run.errors;
-    ASSERT_EQ(run.dumps.size(), 9u) << run.errors;
+    ASSERT_EQ(run.dumps.size(), steps.size()) << run.errors;
     const auto &d = run.dumps;
+    auto changedOnScreen = [&shots](size_t step) {
+        return readFile(shots.at(step)) != readFile(shots.at(step - 1));
+    };
 
     const int debugging = indexOf(d[0], "Debugging");
     const int consent = indexOf(d[0], "Report diagnostic and usage info");
@@ -72,20 +78,24 @@ TEST(LiveControlE2E, EveryControlChangesTheOpenScreen) {
 
     // Settings written by another process turn the switches.
     EXPECT_EQ(rowAt(d[1], debugging)["check"], true);
+    EXPECT_TRUE(changedOnScreen(1));
     EXPECT_EQ(rowAt(d[2], consent)["check"], true);
+    EXPECT_TRUE(changedOnScreen(2));
 
     // Device policy greys the debugging row out.
     EXPECT_FALSE(rowAt(d[2], debugging)["disabled"].get<bool>());
     EXPECT_TRUE(rowAt(d[3], debugging)["disabled"].get<bool>());
+    EXPECT_TRUE(changedOnScreen(3));
 
-    // A new language relabels the open list in place.
-    EXPECT_EQ(rowAt(d[4], debugging)["texts"]["elm.text"], "Debugging");
-    EXPECT_NE(rowAt(d[4], 1)["texts"]["elm.text"], rowAt(d[3], 1)["texts"]["elm.text"]);
+    // A new language relabels the open list in place, on screen too.
     EXPECT_EQ(rowAt(d[4], 1)["texts"]["elm.text"], "Geräteinformationen");
+    EXPECT_EQ(rowAt(d[4], consent)["texts"]["elm.text"], "Diagnose- und Nutzungsdaten senden");
+    EXPECT_TRUE(changedOnScreen(4));
 
     // A second launch brings the running application forward as it is: no second page.
     EXPECT_EQ(d[5]["depth"], 1);
     EXPECT_EQ(d[5]["items"], d[4]["items"]);
+    EXPECT_FALSE(changedOnScreen(5));
 
     // On the status page, a SIM refresh brings the new number and an eSIM event the new
     // profile.
@@ -95,6 +105,8 @@ TEST(LiveControlE2E, EveryControlChangesTheOpenScreen) {
     ASSERT_GE(esim, 0) << d[6].dump();
     EXPECT_EQ(valueOf(d[6], number), "+44 7700 900123");
     EXPECT_EQ(valueOf(d[7], number), "+44 7700 900999");
+    EXPECT_TRUE(changedOnScreen(7));
     EXPECT_EQ(valueOf(d[7], esim), "Kite & Co <Travel>");
     EXPECT_EQ(valueOf(d[8], esim), "Roam Away");
+    EXPECT_TRUE(changedOnScreen(8));
 }

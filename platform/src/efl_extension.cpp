@@ -156,6 +156,11 @@ void updateBar(CircleObject *circle) {
     double ax = cx + r * std::cos(start + len / 2);
     evas_object_move(circle->bar, static_cast<int>(ax) - 2, static_cast<int>(ay));
     evas_object_resize(circle->bar, 5, std::max(4, static_cast<int>(by - ay)));
+    // The bar sits above everything but shows only with its list: a page the naviframe has
+    // hidden under a newer one hides its bar too.
+    Evas_Object *clip = evas_object_clip_get(circle->target);
+    if (evas_object_clip_get(circle->bar) != clip)
+        evas_object_clip_set(circle->bar, clip);
     evas_object_show(circle->bar);
 }
 
@@ -165,6 +170,12 @@ void scrollCb(void *data, Evas_Object *, void *) {
 
 void circleBarDeleteJob(void *data) {
     evas_object_del(static_cast<Evas_Object *>(data));
+}
+
+// The watch's lists show a new language at once: their rows' texts come from callbacks, which
+// upstream's genlist does not ask again when the language changes.
+void languageChangedCb(void *, Evas_Object *genlist, void *) {
+    elm_genlist_realized_items_update(genlist);
 }
 
 void circleTargetDelCb(void *data, Evas *, Evas_Object *, void *) {
@@ -212,6 +223,8 @@ Evas_Object *circleAdd(Evas_Object *target, CircleKind kind) {
     evas_object_event_callback_add(target, EVAS_CALLBACK_DEL, circleTargetDelCb, circle);
     evas_object_smart_callback_add(target, "scroll", scrollCb, circle);
     evas_object_smart_callback_add(target, "realized", scrollCb, circle);
+    if (kind == CircleKind::Genlist)
+        evas_object_smart_callback_add(target, "language,changed", languageChangedCb, nullptr);
     ensureWindow(target);
     return bar;
 }
