@@ -625,7 +625,8 @@ void Driver::_tourExplore(const std::string &name, int depth) {
     if (depth > 0) {
         // A page asks for its asynchronous values as it opens; wait until the slowest answer
         // has arrived so that the picture shows what a person would see.
-        steps.push_back([]() { return platform::longestLatencySeconds() + kSettle; });
+        steps.push_back(
+            [this]() { return _waitForReplies(platform::longestLatencySeconds() + 1.0); });
     }
     steps.push_back([this]() {
         return _revealSwitches(
@@ -654,30 +655,9 @@ void Driver::_tourExplore(const std::string &name, int depth) {
             _tourSteps.push_front([this, name, depth, index, item, depthBefore]() -> double {
                 if (!_touchRow(item))
                     return 0.0;
-                _tourSteps.push_front([this, name, depth, index, depthBefore]() -> double {
-                    std::string child = name + "." + std::to_string(index);
-                    if (_reader.topPopup()) {
-                        _tourSwitches.clear();
-                        _tourCapture(child + ".popup");
-                        _feedKey("Escape");
-                        return kSettle * 2;
-                    }
-                    if (_reader.depth() > depthBefore) {
-                        std::deque<std::function<double()>> before(_tourSteps);
-                        _tourSteps.clear();
-                        _tourExplore(child, depth + 1);
-                        _tourSteps.push_back([this]() {
-                            _feedKey("Escape");
-                            return kSettle * 2;
-                        });
-                        for (auto &step : before)
-                            _tourSteps.push_back(std::move(step));
-                        return 0.0;
-                    }
-                    // Something may have been launched: a launch freezes the list for a
-                    // while, and the next tap must wait until it takes input again.
-                    _tourSteps.push_front([this]() { return _waitForInput(kLaunchBlock); });
-                    return 0.0;
+                _tourSteps.push_front([this, name, depth, index, depthBefore]() {
+                    return _tourAfterTouch(name + "." + std::to_string(index), depth, depthBefore,
+                                           2);
                 });
                 return kSettle * 2;
             });
@@ -686,6 +666,47 @@ void Driver::_tourExplore(const std::string &name, int depth) {
     }
     for (auto it = steps.rbegin(); it != steps.rend(); ++it)
         _tourSteps.push_front(std::move(*it));
+}
+
+double Driver::_tourAfterTouch(const std::string &child, int depth, int depthBefore,
+                               int looksLeft) {
+    if (_reader.topPopup()) {
+        _tourSwitches.clear();
+        _tourCapture(child + ".popup");
+        _feedKey("Escape");
+        return kSettle * 2;
+    }
+    if (_reader.depth() > depthBefore) {
+        std::deque<std::function<double()>> before(_tourSteps);
+        _tourSteps.clear();
+        _tourExplore(child, depth + 1);
+        _tourSteps.push_back([this]() {
+            _feedKey("Escape");
+            return kSettle * 2;
+        });
+        for (auto &step : before)
+            _tourSteps.push_back(std::move(step));
+        return 0.0;
+    }
+    if (looksLeft > 1 && _frames - _framesAtTouch < 3) {
+        // What the row opens shows within a few frames; a busy machine draws them later.
+        _tourSteps.push_front([this, child, depth, depthBefore, looksLeft]() {
+            return _tourAfterTouch(child, depth, depthBefore, looksLeft - 1);
+        });
+        return kSettle / 2;
+    }
+    // Something may have been launched: a launch freezes the list for a while, and the next
+    // tap must wait until it takes input again.
+    _tourSteps.push_front([this]() { return _waitForInput(kLaunchBlock); });
+    return 0.0;
+}
+
+double Driver::_waitForReplies(double budget) {
+    if (platform::repliesAwaited() == 0 || budget <= 0)
+        return kSettle;
+    const double poll = 0.05;
+    _tourSteps.push_front([this, budget, poll]() { return _waitForReplies(budget - poll); });
+    return poll;
 }
 
 double Driver::_waitForInput(double budget) {
@@ -705,8 +726,23 @@ bool Driver::_touchRow(Elm_Object_Item *item) {
     elm_object_item_untrack(item);
     if (w <= 0 || h <= 0)
         return false;
+    _countFrames();
+    _framesAtTouch = _frames;
     _feedClick(x + w / 2, y + h / 2);
     return true;
+}
+
+void Driver::_countFrames() {
+    Evas_Object *win = _reader.window();
+    if (_framesCounted || !win)
+        return;
+    _framesCounted = true;
+    evas_event_callback_add(evas_object_evas_get(win), EVAS_CALLBACK_RENDER_POST, _renderPostCb,
+                            this);
+}
+
+void Driver::_renderPostCb(void *data, Evas *, void *) {
+    ++static_cast<Driver *>(data)->_frames;
 }
 
 double Driver::_revealSwitches(std::function<void(const ScreenReader::SwitchStates &)> done) {

@@ -45,6 +45,13 @@ private:
     void _tourExplore(const std::string &name, int depth);
     void _tourStep();
     bool _touchRow(Elm_Object_Item *item);
+    // Frames drawn, so that a step can tell a slow screen from one that will not change.
+    void _countFrames();
+    static void _renderPostCb(void *data, Evas *evas, void *info);
+    // What a touched row opened: a popup is captured and closed, a page explored.
+    double _tourAfterTouch(const std::string &child, int depth, int depthBefore, int looksLeft);
+    // A tour step that polls until the watch has sent every asynchronous answer.
+    double _waitForReplies(double budget);
     // A tour step that polls until the top list takes input again (at most budget seconds).
     double _waitForInput(double budget);
 
@@ -80,6 +87,9 @@ private:
     std::deque<std::function<double()>> _tourSteps;
     std::string _tourDir;
     int _tourScreens = 0;
+    bool _framesCounted = false;
+    long _frames = 0;
+    long _framesAtTouch = 0;
     Line _tourLine;
     ScreenReader::SwitchStates _tourSwitches;
 };

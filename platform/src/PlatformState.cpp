@@ -113,6 +113,18 @@ double longestLatencySeconds() {
     return longest;
 }
 
+namespace {
+int g_repliesAwaited = 0;
+}  // namespace
+
+void awaitReplies(int change) {
+    g_repliesAwaited = std::max(0, g_repliesAwaited + change);
+}
+
+int repliesAwaited() {
+    return g_repliesAwaited;
+}
+
 bool fault(const char *call, const char *key, int *code) {
     const nlohmann::json &p = profile();
     auto faults = p.find("faults");

@@ -24,6 +24,11 @@ const nlohmann::json &profile();
 double latencySeconds(const char *key);
 double longestLatencySeconds();
 
+// Asynchronous replies on their way (eSIM, telephony): the stand-ins count them so that a
+// reader of the screen can wait until every answer has arrived.
+void awaitReplies(int change);
+int repliesAwaited();
+
 // True when the profile's "faults" make call (for any key, or for this key) fail; code
 // receives the error code to answer with. Logs nothing: the stand-in decides what to say.
 bool fault(const char *call, const char *key, int *code);

@@ -129,6 +129,7 @@ void eventArrived(esim_h handle, const std::vector<std::string> &args) {
 Eina_Bool profileListReplyCb(void *data) {
     auto *request = static_cast<Request *>(data);
     request->handle->pending.erase(request);
+    platform::awaitReplies(-1);
     int result = replyResult("profile_list_result");
     std::vector<Profile> profiles = currentProfiles();
     esim_profile_list_s list = {};
@@ -148,6 +149,7 @@ Eina_Bool profileListReplyCb(void *data) {
 Eina_Bool eidReplyCb(void *data) {
     auto *request = static_cast<Request *>(data);
     request->handle->pending.erase(request);
+    platform::awaitReplies(-1);
     int result = replyResult("eid_result");
     auto it = section().find("eid");
     std::string eid = it != section().end() && it->is_string() ? it->get<std::string>() : "";
@@ -166,6 +168,7 @@ int startRequest(esim_h handle, Request *request, const char *latencyKey, Ecore_
         return ESIM_ERROR_OPERATION_FAILED;
     }
     handle->pending.insert(request);
+    platform::awaitReplies(1);
     return ESIM_ERROR_NONE;
 }
 
@@ -197,6 +200,7 @@ int esim_deinit(esim_h handle) {
     if (!handle)
         return ESIM_ERROR_INVALID_PARAMETER;
     platform::simEventUnsubscribe(handle->eventSubscription);
+    platform::awaitReplies(-static_cast<int>(handle->pending.size()));
     for (Request *request : handle->pending) {
         ecore_timer_del(request->timer);
         delete request;

@@ -99,6 +99,7 @@ void simRefreshed(TapiHandle *handle, const std::vector<std::string> &args) {
 Eina_Bool msisdnReplyCb(void *data) {
     auto *request = static_cast<Request *>(data);
     request->handle->pending.erase(request);
+    platform::awaitReplies(-1);
     const nlohmann::json &sim = section("sim");
     auto number = sim.find("msisdn");
     std::optional<std::string> value = refreshedMsisdn();
@@ -148,6 +149,7 @@ int tel_deinit(TapiHandle *handle) {
     if (!handle)
         return TAPI_API_INVALID_PTR;
     platform::simEventUnsubscribe(handle->eventSubscription);
+    platform::awaitReplies(-static_cast<int>(handle->pending.size()));
     for (Request *request : handle->pending) {
         ecore_timer_del(request->timer);
         delete request;
@@ -247,6 +249,7 @@ int tel_get_sim_msisdn(TapiHandle *handle, tapi_response_cb callback, void *user
         return TAPI_API_OPERATION_FAILED;
     }
     handle->pending.insert(request);
+    platform::awaitReplies(1);
     return TAPI_API_SUCCESS;
 }
 

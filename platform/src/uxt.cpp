@@ -112,8 +112,7 @@ struct BottomMargin {
     Elm_Object_Item *item;
 };
 
-void bottomMarginJob(void *data)
-{
+void bottomMarginJob(void *data) {
     auto *margin = static_cast<BottomMargin *>(data);
     margin->job = nullptr;
     static Elm_Genlist_Item_Class *itc = nullptr;
@@ -126,8 +125,7 @@ void bottomMarginJob(void *data)
     elm_genlist_item_select_mode_set(margin->item, ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY);
 }
 
-void bottomMarginDelCb(void *data, Evas *, Evas_Object *, void *)
-{
+void bottomMarginDelCb(void *data, Evas *, Evas_Object *, void *) {
     auto *margin = static_cast<BottomMargin *>(data);
     if (margin->job)
         ecore_job_del(margin->job);
@@ -223,8 +221,7 @@ void uxt_theme_object_item_replace_color(Elm_Object_Item *item, const char *colo
                                     a, r, g, b, a);
 }
 
-void uxt_genlist_set_bottom_margin_enabled(Evas_Object *genlist, bool enabled)
-{
+void uxt_genlist_set_bottom_margin_enabled(Evas_Object *genlist, bool enabled) {
     if (!genlist)
         return;
     auto *margin = static_cast<BottomMargin *>(evas_object_data_get(genlist, kBottomMarginKey));
