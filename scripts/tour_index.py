@@ -42,6 +42,20 @@ def summary(dump):
     return lines
 
 
+def label(dump):
+    """A screen's name for people: its popup's title or text, else its first row or title."""
+    popup = dump.get("popup")
+    if popup:
+        text = popup.get("title") or popup.get("text") or ""
+        return "popup: " + (text[:40] + "..." if len(text) > 40 else text)
+    items = dump.get("items") or []
+    if items:
+        texts = items[0].get("texts") or {}
+        return next((str(v) for v in texts.values() if v), "")
+    layout = dump.get("layout") or {}
+    return layout.get("text.title") or layout.get("elm.text.title") or ""
+
+
 def load(directory):
     screens = {}
     if not os.path.isdir(directory):
@@ -71,7 +85,7 @@ def main(argv):
         "img{width:270px;height:270px;display:block}"
         "ul{list-style:none;padding:0;margin:4px 0;max-width:270px;font-size:12px}"
         "li b{color:#999;font-weight:normal}.name{color:#fc8;font-family:monospace}"
-        ".missing{width:270px;height:270px;background:#311;display:flex;align-items:center;"
+        ".label{color:#ccc;font-family:sans-serif}.missing{width:270px;height:270px;background:#311;display:flex;align-items:center;"
         "justify-content:center}</style>",
         "<h1>Kesta About: every screen of every profile</h1>",
         "<p>" + " &middot; ".join('<a href="#%s">%s</a>' % (html.escape(p), html.escape(p))
@@ -87,7 +101,9 @@ def main(argv):
         parts.append("<tr><th></th>" + "".join("<th>%s</th>" % html.escape(l) for l in languages)
                      + "</tr>")
         for name in names:
-            parts.append('<tr><td class=name>%s</td>' % html.escape(name))
+            first = next((per_lang[l][name] for l in languages if name in per_lang[l]), {})
+            parts.append('<tr><td class=name>%s<br><span class=label>%s</span></td>'
+                         % (html.escape(name), html.escape(label(first))))
             for lang in languages:
                 dump = per_lang[lang].get(name)
                 picture = os.path.join(profile, lang, name + ".png")
