@@ -4,10 +4,7 @@ quillset_efl_test(status_rows_test StInfoStatusMenuItem_test.cpp)
 target_include_directories(status_rows_test PRIVATE ${CMAKE_SOURCE_DIR}/platform/src)
 target_include_directories(status_model_test PRIVATE ${CMAKE_SOURCE_DIR}/platform/src)
 
-add_executable(status_page_e2e_test StatusPage_e2e_test.cpp support/SimulatedWatch.cpp)
-target_link_libraries(status_page_e2e_test PRIVATE GTest::gtest GTest::gtest_main quillset-simstate)
-add_dependencies(status_page_e2e_test quillset-drive quillset-sim quillset-simd quillset-locale quillset-profiles)
-gtest_discover_tests(status_page_e2e_test DISCOVERY_TIMEOUT 30 PROPERTIES TIMEOUT 180)
+quillset_e2e_test(status_page_e2e_test StatusPage_e2e_test.cpp TIMEOUT 180)
 
 add_executable(status_profile_test StatusProfile_test.cpp)
 target_link_libraries(status_profile_test PRIVATE GTest::gtest GTest::gtest_main quillset-simstate)
