@@ -12,6 +12,7 @@ packages=(
     nlohmann-json3-dev
     gettext
     libgtest-dev libgmock-dev
+    libbenchmark-dev valgrind
     fonts-dejavu-core fonts-dejavu-extra
     xvfb xauth
     python3 python3-jsonschema
