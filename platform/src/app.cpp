@@ -96,10 +96,6 @@ void deliverLaunch() {
     app_control_destroy(request);
 }
 
-void firstLaunchJob(void *) {
-    deliverLaunch();
-}
-
 void setUpLocale() {
     const char *current = setlocale(LC_ALL, "");
     // Translations need a locale other than C; C.UTF-8 always exists.
@@ -145,7 +141,9 @@ int ui_app_main(int argc, char **argv, ui_app_lifecycle_callback_s *callback, vo
 
     int result = APP_ERROR_NONE;
     if (app.callbacks.create(user_data)) {
-        ecore_job_add(firstLaunchJob, nullptr);
+        // The platform's order: create, the launch request, resume; all before the first
+        // frame, so that the first frame shows what the launch request put on screen.
+        deliverLaunch();
         if (app.callbacks.resume)
             app.callbacks.resume(user_data);
         elm_run();
