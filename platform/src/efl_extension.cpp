@@ -93,11 +93,17 @@ void maskResizeCb(void *data, Evas *, Evas_Object *win, void *) {
         return;
     int stride = evas_object_image_stride_get(mask) / 4;
     double cx = w / 2.0, cy = h / 2.0, r = std::min(w, h) / 2.0;
+    // Only the one-pixel edge needs a square root: inside it is clear, outside it is black.
+    double inner = r > 0.5 ? (r - 0.5) * (r - 0.5) : 0.0, outer = (r + 0.5) * (r + 0.5);
     for (int y = 0; y < h; ++y) {
+        double dy = y + 0.5 - cy;
         for (int x = 0; x < w; ++x) {
-            double d = std::hypot(x + 0.5 - cx, y + 0.5 - cy);
+            double dx = x + 0.5 - cx;
+            double d2 = dx * dx + dy * dy;
             // Anti-aliased edge one pixel wide; premultiplied black is just the alpha byte.
-            double a = std::clamp(d - r + 0.5, 0.0, 1.0);
+            double a = d2 <= inner   ? 0.0
+                       : d2 >= outer ? 1.0
+                                     : std::clamp(std::sqrt(d2) - r + 0.5, 0.0, 1.0);
             pixels[y * stride + x] = static_cast<unsigned int>(a * 255.0 + 0.5) << 24;
         }
     }
