@@ -20,6 +20,7 @@
 #include "StInfoReportDiagnosticPopupController.h"
 #include "StInfoStatusViewController.h"
 #include "StInfoSwViewController.h"
+#include "StInfoTextUtils.h"
 #include "StInfoUSBDebugItem.h"
 #include "StInfoUSBDebuggingPopupController.h"
 #include "StLog.h"
@@ -82,6 +83,15 @@ void StInfoMainViewController::_addPageEntry(Evas_Object *genlist, const char *t
 void StInfoMainViewController::_addDeviceInformationEntry(Evas_Object *genlist) {
     _addPageEntry(genlist, "WDS_ST_TMBODY_DEVICE_INFORMATION",
                   [] { return new StInfoStatusViewController(); });
+    // The page formats the phone number with a library of its own: once this list is on
+    // screen, that library loads off the main loop, so that opening the page does not wait.
+    evas_event_callback_add(evas_object_evas_get(genlist), EVAS_CALLBACK_RENDER_POST, _firstFrameCb,
+                            nullptr);
+}
+
+void StInfoMainViewController::_firstFrameCb(void *, Evas *evas, void *) {
+    evas_event_callback_del_full(evas, EVAS_CALLBACK_RENDER_POST, _firstFrameCb, nullptr);
+    preparePhoneNumberFormatting();
 }
 
 void StInfoMainViewController::_addInformationPageEntries(Evas_Object *genlist) {

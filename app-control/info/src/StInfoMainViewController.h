@@ -27,6 +27,7 @@ private:
     void _onUsbDebugTapped();
     void _createRestrictedPopup();
     static void _realizedCb(void *data, Evas_Object *obj, void *eventInfo);
+    static void _firstFrameCb(void *data, Evas *evas, void *eventInfo);
 
     Elm_Object_Item *_usbDebugItem;
     Elm_Object_Item *_privacyNoticeItem;

@@ -1,6 +1,5 @@
 #include "StInfoModel.h"
 
-#include <dbus/dbus-glib.h>
 #include <mdm.h>
 #include <storage.h>
 #include <system_info.h>
@@ -10,6 +9,8 @@
 #include <cstring>
 
 #include "StInfoDefines.h"
+#include "StInfoModule.h"
+#include "StInfoModuleEntries.h"
 #include "StInfoTextUtils.h"
 #include "StLog.h"
 
@@ -152,24 +153,13 @@ bool StInfoModel::setReportDiagnosticMode(bool enabled) {
 }
 
 void StInfoModel::notifyLogProvider() {
-    // One-way: the provider re-reads the consent itself; nothing waits for it.
-    GError *error = nullptr;
-    DBusGConnection *bus = dbus_g_bus_get(DBUS_BUS_SYSTEM, &error);
-    if (!bus) {
-        if (error)
-            g_error_free(error);
-        return;
-    }
-    DBusGProxy *proxy = dbus_g_proxy_new_for_name(
-        bus, "com.nerova.logmgr", "/com/nerova/logmgr/log/provider/report_app_status_survey",
-        "com.nerova.logmgr.log.provider.use_app_feature_survey");
-    if (proxy) {
-        dbus_g_proxy_call_no_reply(proxy, "Select", G_TYPE_INVALID);
-        // The call is queued on the shared connection; send it before letting go.
-        dbus_g_connection_flush(bus);
-        g_object_unref(proxy);
-    }
-    dbus_g_connection_unref(bus);
+    // One-way: the provider re-reads the consent itself; nothing waits for it. The D-Bus GLib
+    // binding it goes through is loaded on first use: few users ever change their consent.
+    static StInfoModule logProvider(ST_INFO_LOGPROVIDER_MODULE);
+    auto notify =
+        reinterpret_cast<StInfoNotifyLogProviderFn>(logProvider.symbol(ST_INFO_NOTIFY_ENTRY));
+    if (notify)
+        notify();
 }
 
 bool StInfoModel::isChinaCountry() {

@@ -1,16 +1,15 @@
 #include "StInfoTextUtils.h"
 
 #include <libintl.h>
-#include <phonenumbers/asyoutypeformatter.h>
-#include <phonenumbers/phonenumberutil.h>
 #include <vconf.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include "StInfoDefines.h"
+#include "StInfoModule.h"
+#include "StInfoModuleEntries.h"
 
 namespace {
 
@@ -19,6 +18,11 @@ const char *const kDefaultRegion = "KR";
 
 const char *const kUnformattedRegions[] = {"RU", "UZ", "BY", "KZ", "BN", "KH", "ID", "MY",
                                            "MM", "PH", "SG", "TH", "VN", "IL", "CN"};
+
+StInfoModule &phoneNumberModule() {
+    static StInfoModule module(ST_INFO_PHONENUMBER_MODULE);
+    return module;
+}
 
 }  // namespace
 
@@ -72,14 +76,20 @@ std::string formatPhoneNumber(const std::string &number) {
     if (isUnformattedRegion(region))
         return number;
 
-    std::unique_ptr<i18n::phonenumbers::AsYouTypeFormatter> formatter(
-        i18n::phonenumbers::PhoneNumberUtil::GetInstance()->GetAsYouTypeFormatter(region));
-    std::string result;
-    for (char c : number)
-        formatter->InputDigit(static_cast<unsigned char>(c), &result);
+    auto format = reinterpret_cast<StInfoFormatAsYouTypeFn>(
+        phoneNumberModule().symbol(ST_INFO_FORMAT_AS_YOU_TYPE_ENTRY));
+    char *typed = format ? format(region.c_str(), number.c_str()) : nullptr;
+    if (!typed)
+        return std::string();
+    std::string result = typed;
+    free(typed);
     if (!result.empty() && result.back() == ' ')
         result.pop_back();
     return result;
+}
+
+void preparePhoneNumberFormatting() {
+    phoneNumberModule().loadInBackground(ST_INFO_PHONENUMBER_WARM_UP_ENTRY);
 }
 
 std::string toNationalNumber(const std::string &formatted) {

@@ -17,6 +17,9 @@ bool isUnformattedRegion(const std::string &region);
 // The number formatted as the user types it in the watch's region.
 std::string formatPhoneNumber(const std::string &number);
 
+// Has the formatter (a library loaded on first use) loaded off the main loop ahead of need.
+void preparePhoneNumberFormatting();
+
 // "+82 10-1234-5678" -> "010-1234-5678": drops the country code for the trunk prefix 0.
 std::string toNationalNumber(const std::string &formatted);
 
