@@ -46,6 +46,7 @@ sided(report.get("cold_start_ms", {}), "cold start")
 for page in ("status", "software", "battery"):
     sided(report.get("push_ms", {}).get(page, {}), f"push of {page}")
 sided(report.get("peak_rss_mb", {}), "peak memory")
+sided(report.get("peak_rss_first_frame_mb", {}), "peak memory by the first frame")
 expect("difference" in report.get("peak_rss_mb", {}), "peak memory: difference")
 expect("instructions" in report, "instructions")
 redraw = report.get("settings_redraw_ms", {})

@@ -15,7 +15,7 @@
 namespace {
 
 // Rows and pages settle (scrolling, transitions) before the next step is taken.
-const double kSettleSeconds = 0.6;
+const double kSettleSeconds = 0.4;
 const char *const kCheckParts[] = {"elm.icon", "elm.swallow.icon", "elm.swallow.end"};
 
 int64_t now() {
