@@ -20,7 +20,7 @@ with tempfile.TemporaryDirectory(prefix="quillset-bench-check-") as tmp:
         [os.path.join(build, "bin", "quillset-sim"), "run", "--profile", profile, "--state",
          os.path.join(tmp, "state"), "--",
          os.path.join(build, "bin", "quillset-bench"), "--rounds", "1", "--samples", "3",
-         "--callgrind-runs", "0", "--no-warm-up", "--out", report_path],
+         "--callgrind-runs", "0", "--extra-cold-starts", "0", "--no-warm-up", "--out", report_path],
         stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, timeout=240)
     if run.returncode != 0:
         sys.exit("quillset-bench failed:\n" + run.stderr[-4000:])

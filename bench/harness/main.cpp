@@ -28,6 +28,8 @@ struct Options {
     int rounds = 10;
     int samples = 200;
     int callgrindRuns = 1;
+    // Cold starts without the tour, per side and round: start-up is the noisiest figure.
+    int extraColdStarts = 3;
     bool rowTexts = true;
     bool warmUp = true;
     std::string out = "bench.json";
@@ -113,6 +115,21 @@ void runTour(Side &side, bool record) {
             side.pushMs[page.key].add(pushes[page.key]);
     side.peakRssMb.add(static_cast<double>(rssKb) / 1024.0);
     side.firstFrameRssMb.add(firstFrameRssMb);
+}
+
+// A cold start alone: the program quits at its first frame.
+void runColdStart(Side &side) {
+    StBenchChild child;
+    std::string error;
+    if (!child.start({side.program}, side.env, &error))
+        die(side.name + ": " + error);
+    std::vector<std::string> fields;
+    if (!child.waitFor({"ready"}, &fields, &error))
+        die(side.name + ": " + error);
+    side.coldStartMs.add((std::stod(fields[1]) - static_cast<double>(child.startTime())) / 1e6);
+    child.send("quit");
+    if (!child.finish(nullptr, &error))
+        die(side.name + ": " + error);
 }
 
 // Another process (this one) writes the debugging key; the application redraws its switch.
@@ -267,6 +284,8 @@ Options parseOptions(int argc, char *argv[]) {
             options.samples = std::max(1, atoi(value().c_str()));
         else if (arg == "--callgrind-runs")
             options.callgrindRuns = std::max(0, atoi(value().c_str()));
+        else if (arg == "--extra-cold-starts")
+            options.extraColdStarts = std::max(0, atoi(value().c_str()));
         else if (arg == "--no-warm-up")
             options.warmUp = false;
         else if (arg == "--no-row-texts")
@@ -275,6 +294,7 @@ Options parseOptions(int argc, char *argv[]) {
             options.out = value();
         else
             die("usage: quillset-bench [--rounds N] [--samples N] [--callgrind-runs N] "
+                "[--extra-cold-starts N] "
                 "[--no-warm-up] [--no-row-texts] [--out FILE]");
     }
     return options;
@@ -311,6 +331,10 @@ int main(int argc, char *argv[]) {
     }
     for (int round = 0; round < options.rounds; ++round) {
         std::cerr << "round " << round + 1 << "/" << options.rounds << "\n";
+        for (int i = 0; i < options.extraColdStarts; ++i) {
+            runColdStart(app);
+            runColdStart(baseline);
+        }
         runTour(app, true);
         runTour(baseline, true);
     }
@@ -338,6 +362,7 @@ int main(int argc, char *argv[]) {
     // The figures.
     json report;
     report["rounds"] = options.rounds;
+    report["cold_starts"] = app.coldStartMs.size();
     report["engine"] = "buffer";
     report["cold_start_ms"] = sideJson(app.coldStartMs, baseline.coldStartMs);
     report["push_ms"] = json::object();
@@ -376,7 +401,10 @@ int main(int argc, char *argv[]) {
         die("cannot write " + options.out);
 
     // The table.
-    printf("%d rounds, application and baseline interleaved, buffer engine\n\n", options.rounds);
+    printf(
+        "%d rounds, application and baseline interleaved, buffer engine; %d cold starts "
+        "each\n\n",
+        options.rounds, static_cast<int>(app.coldStartMs.size()));
     printf("%-34s %9s %9s %9s | %9s %9s %9s | %6s\n", "", "app", "min", "max", "baseline", "min",
            "max", "ratio");
     printRow("cold start to first frame (ms)", app.coldStartMs, baseline.coldStartMs, 1);
