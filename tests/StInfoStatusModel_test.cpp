@@ -149,6 +149,20 @@ TEST_F(StInfoStatusModelTest, PhoneNumberFollowsTheCarrierFeatures) {
     }
 }
 
+TEST_F(StInfoStatusModelTest, WithoutItsFormatterThePhoneNumberIsShownAsGivenAndLogged) {
+    // The formatter is a library of the package, found beside its resources.
+    writeProfile(std::string(kModem) +
+                 R"(, "faults": [{"call": "app_get_resource_path", "code": -12}])");
+    vconf_set_str("db/menu_widget/regionformat", "en_GB.UTF-8");
+    vconf_set_str("db/setting/selected_num", "+447700900123");
+    StInfoStatusModel *model = StInfoStatusModel::getInstance();
+    EXPECT_EQ(model->getPhoneNumberInfo(), "+447700900123");
+    EXPECT_TRUE(logHas("app_get_resource_path() failed"));
+    // Once the platform answers again, the next request formats the number.
+    writeProfile(kModem);
+    EXPECT_EQ(model->getPhoneNumberInfo(), "+44 7700 900123");
+}
+
 TEST_F(StInfoStatusModelTest, ReplyWithoutDataEmptiesTheNumberWithoutSignal) {
     writeProfile(std::string(kModem) + R"(, "sim": {"msisdn": null})");
     vconf_set_str("db/setting/selected_num", "+447700900123");
