@@ -19,6 +19,7 @@
 #include <list>
 #include <string>
 
+#include "AppControlRequest.h"
 #include "PlatformState.h"
 #include "SimEvents.h"
 
@@ -88,9 +89,7 @@ void languageChangedCb(keynode_t *, void *) {
 void deliverLaunch() {
     if (!g_app || !g_app->callbacks.app_control)
         return;
-    app_control_h request = nullptr;
-    if (app_control_create(&request) != APP_CONTROL_ERROR_NONE)
-        return;
+    app_control_h request = platform::newAppControl();
     app_control_set_operation(request, APP_CONTROL_OPERATION_DEFAULT);
     g_app->callbacks.app_control(request, g_app->userData);
     app_control_destroy(request);

@@ -12,6 +12,7 @@
 #include <map>
 #include <string>
 
+#include "AppControlRequest.h"
 #include "PlatformState.h"
 
 struct app_control_s {
@@ -34,6 +35,14 @@ std::string extraJson(const app_control_s *handle) {
 }
 
 }  // namespace
+
+namespace platform {
+
+app_control_h newAppControl() {
+    return new app_control_s();
+}
+
+}  // namespace platform
 
 extern "C" {
 
