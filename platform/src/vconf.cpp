@@ -150,6 +150,7 @@ Eina_Bool inotifyCb(void *, Ecore_Fd_Handler *) {
     Watcher &w = watcher();
     const sim::SettingsStore *settings = store();
     std::vector<std::string> changed;
+    bool overflowed = false;
     alignas(struct inotify_event) char buffer[16 * (sizeof(struct inotify_event) + NAME_MAX + 1)];
     for (;;) {
         ssize_t n = read(w.fd, buffer, sizeof(buffer));
@@ -160,6 +161,10 @@ Eina_Bool inotifyCb(void *, Ecore_Fd_Handler *) {
         for (char *p = buffer; p < buffer + n;) {
             auto *event = reinterpret_cast<struct inotify_event *>(p);
             p += sizeof(struct inotify_event) + event->len;
+            if (event->mask & IN_Q_OVERFLOW) {
+                overflowed = true;
+                continue;
+            }
             auto dir = w.dirs.find(event->wd);
             if (dir == w.dirs.end())
                 continue;
@@ -175,6 +180,16 @@ Eina_Bool inotifyCb(void *, Ecore_Fd_Handler *) {
             if (!key.empty() && std::find(changed.begin(), changed.end(), key) == changed.end())
                 changed.push_back(key);
         }
+    }
+    // Changes came faster than they were read and the kernel dropped some: which keys they
+    // were is lost, so every watched key is reported with its value now. The last value of a
+    // key must reach its watchers, however many came before it.
+    if (overflowed) {
+        dlog_print(DLOG_WARN, kTag, "change notifications overflowed; reporting every watched key");
+        for (const Watch &watch : w.watches)
+            if (!watch.removed &&
+                std::find(changed.begin(), changed.end(), watch.key) == changed.end())
+                changed.push_back(watch.key);
     }
     for (const std::string &key : changed)
         dispatch(key);
