@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <time.h>
@@ -25,13 +26,14 @@ namespace {
 const char *const kBusConfig =
     "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
     " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-    "<!-- The simulated watch's private system bus: anyone may own, send and receive. -->\n"
+    "<!-- The simulated watch's private system bus. Only the user who started the watch may\n"
+    "     connect (the bus's default with no user rule); its processes may own, send and\n"
+    "     receive anything. -->\n"
     "<busconfig>\n"
     "  <type>system</type>\n"
     "  <listen>unix:path=%s</listen>\n"
     "  <auth>EXTERNAL</auth>\n"
     "  <policy context=\"default\">\n"
-    "    <allow user=\"*\"/>\n"
     "    <allow own=\"*\"/>\n"
     "    <allow send_type=\"method_call\"/>\n"
     "    <allow send_type=\"signal\"/>\n"
@@ -282,6 +284,11 @@ bool startBus(Watch *watch) {
     std::string error;
     if (!makeDirs(busDir, &error)) {
         say(error);
+        return false;
+    }
+    // The socket is not for other users to reach, whatever the umask made of it.
+    if (chmod(busDir.c_str(), 0700) != 0) {
+        say(sysError("chmod", busDir, errno));
         return false;
     }
     std::string socket = busDir + "/system.sock";

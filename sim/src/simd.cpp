@@ -12,6 +12,7 @@
 #include <Ecore.h>
 #include <Eldbus.h>
 
+#include <fcntl.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -321,9 +322,11 @@ int main() {
         return 2;
     }
     std::string logPath = state + "/simd.log";
-    g_daemon.log = fopen(logPath.c_str(), "ae");
+    // Created owner-writable only: fopen would leave the mode to the umask.
+    int logFd = open(logPath.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+    g_daemon.log = logFd >= 0 ? fdopen(logFd, "a") : nullptr;
     if (!g_daemon.log)
-        fprintf(stderr, "quillset-simd: %s\n", sim::sysError("fopen", logPath, errno).c_str());
+        fprintf(stderr, "quillset-simd: %s\n", sim::sysError("open", logPath, errno).c_str());
     say("starting (pid %d)", static_cast<int>(getpid()));
     std::string error;
     if (!g_daemon.usage.open(state, &error))
