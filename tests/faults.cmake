@@ -1,2 +1,7 @@
 # Faults, bad input, security and load.
 quillset_platform_test(platform_vconf_load_test platform_vconf_load_test.cpp)
+
+# Security end to end.
+quillset_e2e_test(security_e2e_test Security_e2e_test.cpp TIMEOUT 180)
+find_package(Threads REQUIRED)
+target_link_libraries(security_e2e_test PRIVATE PkgConfig::DBUS Threads::Threads)

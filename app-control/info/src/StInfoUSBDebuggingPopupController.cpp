@@ -5,6 +5,7 @@
 #include "StInfoDefines.h"
 #include "StInfoModel.h"
 #include "StInfoPopupUtils.h"
+#include "StLog.h"
 
 StInfoUSBDebuggingPopupController::StInfoUSBDebuggingPopupController(Evas_Object *rotaryOwner)
     : _rotaryOwner(rotaryOwner) {}
@@ -28,8 +29,13 @@ Evas_Object *StInfoUSBDebuggingPopupController::onCreateView(Evas_Object *parent
     addButton(
         "",
         [](bool *destroyPopup) {
+            StInfoModel *model = StInfoModel::getInstance();
+            // The device policy may have changed while the popup was open; it still decides.
             // A failed write is logged by the model; the switch then simply stays off.
-            StInfoModel::getInstance()->setUsbDebuggingMode(true);
+            if (model->isUsbDebuggingChangeRestricted() || model->isUsbDebuggingMenuRestricted())
+                ST_ERR("Debugging is restricted by the device policy: not turned on");
+            else
+                model->setUsbDebuggingMode(true);
             *destroyPopup = true;
         },
         [](Evas_Object *button) {
