@@ -1,6 +1,7 @@
 // The eSIM service of the simulated watch, from the profile's "esim" section:
 //   "esim": {"eid": "8904...", "profiles": [{"name": "Nerova Mobile", "kind": 2, "state": 1}],
-//            "profile_list_result": 0, "eid_result": 0}
+//            "profile_list_result": 0, "eid_result": 0,
+//            "profile_count": 3 (the count the list announces, when it lies about its entries)}
 //   "latency": {"esim_profile_list_ms": 1500, "esim_eid_ms": 1500}
 // The service exists when the vendor key tizen/feature/esim.phase is 1.
 // `quillset-sim event esim TYPE DATA [--profiles FILE]` raises an event, with a new profile
@@ -135,6 +136,9 @@ Eina_Bool profileListReplyCb(void *data) {
     esim_profile_list_s list = {};
     size_t count = profiles.size() < ESIM_PROFILE_MAX ? profiles.size() : ESIM_PROFILE_MAX;
     list.count = static_cast<unsigned char>(count);
+    auto announced = section().find("profile_count");
+    if (announced != section().end() && announced->is_number_integer())
+        list.count = static_cast<unsigned char>(announced->get<int>());
     for (size_t i = 0; i < count; ++i) {
         list.profiles[i].name = const_cast<char *>(profiles[i].name.c_str());
         list.profiles[i].kind = profiles[i].kind;

@@ -3,7 +3,7 @@
 //                 "imei": "...", "imei_sv": "...", "meid": "", "esn": "",
 //                 "volte_enable": 1, "misc_version": true, "misc_sn": true}
 //   "sim": {"msisdn": "+447700900123" | "" (no number) | null (a reply without data),
-//           "iccid": "8944..."}
+//           "iccid": "8944...", "msisdn_count": 3 (the count the list announces, if it lies)}
 //   "latency": {"msisdn_ms": 1500}
 // `quillset-sim event sim-refresh [--msisdn NUMBER]` refreshes the SIM (with a new number).
 
@@ -116,6 +116,9 @@ Eina_Bool msisdnReplyCb(void *data) {
             list.count = 1;
             copyField(list.list[0].num, sizeof(list.list[0].num), *value);
         }
+        auto announced = sim.find("msisdn_count");
+        if (announced != sim.end() && announced->is_number_integer())
+            list.count = announced->get<int>();
         request->callback(request->handle, TAPI_API_SUCCESS, &list, request->userData);
     }
     delete request;

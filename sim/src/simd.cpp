@@ -187,7 +187,7 @@ const Eldbus_Service_Interface_Desc kLogDesc = {kLogInterface, kLogMethods, null
                                                 nullptr,       nullptr,     nullptr};
 
 // ---- Device daemon: GetNum on the board object ---------------------------------------------
-// "deviced": {"present": true, "serial": "SN1,BAR1", "reply_delay_ms": 0}
+// "deviced": {"present": true, "serial": "SN1,BAR1", "reply_delay_ms": 0, "wrong_types": false}
 // An absent daemon does not own its name, so callers fail at once; a late one answers after the
 // delay.
 
@@ -224,7 +224,11 @@ Eldbus_Message *devicedGetNumCb(const Eldbus_Service_Interface *, const Eldbus_M
                              ? deviced["serial"].get<std::string>()
                              : "";
     Eldbus_Message *reply = eldbus_message_method_return_new(msg);
-    eldbus_message_arguments_append(reply, "si", serial.c_str(), 0);
+    // A daemon of another version may answer with its arguments the other way round.
+    if (deviced.value("wrong_types", false))
+        eldbus_message_arguments_append(reply, "is", 0, serial.c_str());
+    else
+        eldbus_message_arguments_append(reply, "si", serial.c_str(), 0);
     long delayMs =
         deviced.contains("reply_delay_ms") && deviced["reply_delay_ms"].is_number_integer()
             ? deviced["reply_delay_ms"].get<long>()

@@ -1,6 +1,7 @@
 #include "Profile.h"
 
 #include <dirent.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -15,6 +16,33 @@ namespace sim {
 using Json = nlohmann::json;
 
 namespace {
+
+// Far more than any watch needs; a bigger file is not a profile.
+const long long kMaxProfileBytes = 4 * 1024 * 1024;
+const int kMaxNesting = 64;
+
+// Where the text's arrays and objects first nest deeper than limit, or npos.
+size_t deeperThan(const std::string &text, int limit) {
+    int depth = 0;
+    bool inString = false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        char c = text[i];
+        if (inString) {
+            if (c == '\\')
+                ++i;
+            else if (c == '"')
+                inString = false;
+        } else if (c == '"') {
+            inString = true;
+        } else if (c == '[' || c == '{') {
+            if (++depth > limit)
+                return i;
+        } else if (c == ']' || c == '}') {
+            --depth;
+        }
+    }
+    return std::string::npos;
+}
 
 // Checks a profile's JSON against what the watch's parts read, keeping the first error and
 // every warning. Paths read like the JSON: storage.block_size, settings["db/x/y"], faults[0].
@@ -242,7 +270,9 @@ bool validate(const Json &json, const std::string &source, std::vector<std::stri
                                    return n.is_null() || n.is_string() ||
                                           c.fail(at, "a string or null", n);
                                }},
-                              {"iccid", c.string()}});
+                              {"iccid", c.string()},
+                              // The count the MSISDN list announces, when it lies.
+                              {"msisdn_count", c.integer()}});
          }},
         {"esim",
          [&c](const Json &v, const std::string &path) {
@@ -255,7 +285,9 @@ bool validate(const Json &json, const std::string &source, std::vector<std::stri
                            {{"name", c.string()}, {"kind", c.integer()}, {"state", c.integer()}});
                    })},
                   {"profile_list_result", c.integer()},
-                  {"eid_result", c.integer()}});
+                  {"eid_result", c.integer()},
+                  // The count the list announces, when it lies about its entries.
+                  {"profile_count", c.integer(0, 255)}});
          }},
         {"bluetooth",
          [&c](const Json &v, const std::string &path) {
@@ -271,7 +303,8 @@ bool validate(const Json &json, const std::string &source, std::vector<std::stri
              return c.fields(v, path,
                              {{"present", c.boolean()},
                               {"serial", c.string()},
-                              {"reply_delay_ms", c.integer(0, kCountMax)}});
+                              {"reply_delay_ms", c.integer(0, kCountMax)},
+                              {"wrong_types", c.boolean()}});
          }},
         // Carrier configuration: boolean features by number, the approval version.
         {"csc",
@@ -335,6 +368,18 @@ std::string parseReason(const std::string &what) {
 }  // namespace
 
 bool Profile::load(const std::string &path, std::string *error) {
+    // A device, a pipe or a huge file is not a profile; reading one would never end or take
+    // all memory.
+    struct stat st;
+    if (stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) {
+        *error = path + ": not a regular file";
+        return false;
+    }
+    if (stat(path.c_str(), &st) == 0 && st.st_size > kMaxProfileBytes) {
+        *error = path + ": " + std::to_string(st.st_size) + " bytes; a profile holds at most " +
+                 std::to_string(kMaxProfileBytes);
+        return false;
+    }
     std::string text;
     if (!readFile(path, &text, error))
         return false;
@@ -343,6 +388,14 @@ bool Profile::load(const std::string &path, std::string *error) {
 
 bool Profile::parse(const std::string &text, const std::string &sourceName, std::string *error) {
     _warnings.clear();
+    // The JSON library parses and frees nested values recursively: a hostile file nested deep
+    // enough would overflow the stack. A watch's description needs a handful of levels.
+    size_t tooDeep = deeperThan(text, kMaxNesting);
+    if (tooDeep != std::string::npos) {
+        *error = sourceName + ": " + lineColumn(text, tooDeep) + ": nested more than " +
+                 std::to_string(kMaxNesting) + " levels deep";
+        return false;
+    }
     Json parsed;
     try {
         parsed = Json::parse(text);
