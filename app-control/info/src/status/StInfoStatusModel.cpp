@@ -64,6 +64,7 @@ const size_t kEsimEntryOffset = 16;
 const size_t kEsimEntrySize = 32;
 const size_t kEsimKindOffset = 8;
 const size_t kEsimStateOffset = 12;
+const unsigned kEsimProfileMax = ESIM_PROFILE_MAX;
 
 const size_t kIccidRecordSize = 5124;
 const size_t kIccidTextOffset = 4;
@@ -496,6 +497,13 @@ void StInfoStatusModel::_esimGetProfileCb(esim_h, int result, esim_profile_list_
     if (profileList) {
         const char *record = reinterpret_cast<const char *>(profileList);
         unsigned count = static_cast<unsigned char>(record[kEsimCountOffset]);
+        // The list has room for ESIM_PROFILE_MAX entries whatever its count says; reading
+        // further would read past it.
+        if (count > kEsimProfileMax) {
+            ST_ERR("[ESIM] profile list counts %u profiles but holds at most %u", count,
+                   kEsimProfileMax);
+            count = kEsimProfileMax;
+        }
         for (unsigned i = 0; i < count; ++i) {
             const char *entry = record + kEsimEntryOffset + kEsimEntrySize * i;
             const char *name = nullptr;
