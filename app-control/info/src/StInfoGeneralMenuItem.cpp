@@ -1,5 +1,6 @@
 #include "StInfoGeneralMenuItem.h"
 
+#include <Elementary.h>
 #include <libintl.h>
 
 #include <cstring>
@@ -43,8 +44,10 @@ char *StInfoGeneralMenuItem::_textGetCb(void *data, Evas_Object *, const char *p
             value = StInfoModel::getInstance()->getStorageUsageText();
         else
             return nullptr;
-        // Real values pass through unchanged; the unknown-value id becomes its text.
-        return strdup(dgettext(ST_INFO_TEXT_DOMAIN, value.c_str()));
+        // Real values pass through unchanged; the unknown-value id becomes its text. The model
+        // name comes from the device and is shown as it is, markup characters included.
+        char *markup = elm_entry_utf8_to_markup(dgettext(ST_INFO_TEXT_DOMAIN, value.c_str()));
+        return markup ? markup : strdup("");
     }
     return nullptr;
 }
