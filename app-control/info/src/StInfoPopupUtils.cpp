@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "StInfoDefines.h"
+#include "StLog.h"
 
 std::string resourceFile(const char *file) {
     char *dir = app_get_resource_path();
@@ -23,7 +24,10 @@ void decorateIconButton(Evas_Object *button, const char *nameId, const char *ima
     elm_atspi_accessible_name_set(button, nameId);
     elm_atspi_accessible_translation_domain_set(button, ST_INFO_TEXT_DOMAIN);
     Evas_Object *image = elm_image_add(button);
-    elm_image_file_set(image, resourceFile("edje/common_images.edj").c_str(), imageGroup);
+    std::string file = resourceFile("edje/common_images.edj");
+    // The button keeps its spoken name without its icon.
+    if (!elm_image_file_set(image, file.c_str(), imageGroup))
+        ST_ERR("image %s of '%s' cannot be loaded", imageGroup, file.c_str());
     evas_object_size_hint_weight_set(image, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
     elm_object_part_content_set(button, "elm.swallow.content", image);
 }

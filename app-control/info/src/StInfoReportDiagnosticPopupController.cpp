@@ -11,6 +11,7 @@
 #include "StInfoDefines.h"
 #include "StInfoModel.h"
 #include "StInfoPopupUtils.h"
+#include "StLog.h"
 
 namespace {
 const int kConsentBufferSize = 12288;
@@ -79,8 +80,10 @@ Evas_Object *StInfoReportDiagnosticPopupController::onCreateView(Evas_Object *pa
 
 Evas_Object *StInfoReportDiagnosticPopupController::_createBody(Evas_Object *parent) {
     Evas_Object *layout = elm_layout_add(parent);
-    elm_layout_file_set(layout, resourceFile("edje/info.edj").c_str(),
-                        "setting/popup/layout/report");
+    std::string file = resourceFile("edje/info.edj");
+    // Without its layout the popup still offers its buttons.
+    if (!elm_layout_file_set(layout, file.c_str(), "setting/popup/layout/report"))
+        ST_ERR("layout setting/popup/layout/report of '%s' cannot be loaded", file.c_str());
 
     std::string text = consentText();
     char *markup = elm_entry_utf8_to_markup(text.c_str());
