@@ -1,6 +1,10 @@
 # Faults, bad input, security and load.
 quillset_platform_test(platform_vconf_load_test platform_vconf_load_test.cpp)
 
+# Bad input end to end.
+quillset_e2e_test(bad_input_e2e_test BadInput_e2e_test.cpp TIMEOUT 180)
+target_sources(bad_input_e2e_test PRIVATE support/DrivenWatch.cpp)
+
 # Security end to end.
 quillset_e2e_test(security_e2e_test Security_e2e_test.cpp TIMEOUT 180)
 find_package(Threads REQUIRED)
