@@ -23,6 +23,7 @@ run: build
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j2
+	@grep -h '^fault matrix:' $(BUILD)/Testing/Temporary/LastTest.log | tail -1
 
 # A release build of its own (build-release/), so that build/ stays as the tests want it.
 bench: deps

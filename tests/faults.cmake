@@ -1,6 +1,9 @@
 # Faults, bad input, security and load.
 quillset_platform_test(platform_vconf_load_test platform_vconf_load_test.cpp)
 
+# The fault matrix: the application on a simulated watch with each platform call failing.
+quillset_e2e_test(fault_matrix_e2e_test FaultMatrix_e2e_test.cpp TIMEOUT 180)
+
 # Bad input end to end.
 quillset_e2e_test(bad_input_e2e_test BadInput_e2e_test.cpp TIMEOUT 180)
 target_sources(bad_input_e2e_test PRIVATE support/DrivenWatch.cpp)
