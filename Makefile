@@ -3,7 +3,7 @@ BUILD ?= build
 CMAKE_FLAGS ?=
 PROFILE ?= default
 
-.PHONY: all deps configure build run test bench tour format clean
+.PHONY: all deps configure build run test soak bench tour format clean
 
 all: build
 
@@ -24,6 +24,12 @@ run: build
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j2
 	@grep -h '^fault matrix:' $(BUILD)/Testing/Temporary/LastTest.log | tail -1
+
+# The load and lifecycle tests at full size, and the fault matrix, with what they measured.
+soak: build
+	cd $(BUILD) && QUILLSET_SOAK=1 bin/settings_soak_test --gtest_brief=1
+	cd $(BUILD) && QUILLSET_SOAK=1 bin/pages_soak_test --gtest_brief=1 2>pages-soak.log
+	cd $(BUILD) && bin/fault_matrix_e2e_test --gtest_brief=1
 
 # A release build of its own (build-release/), so that build/ stays as the tests want it.
 bench: deps
