@@ -229,6 +229,11 @@ const std::vector<FailurePoint> &failurePoints() {
         {"eext_circle_object_genlist_add", nullptr, -5, 'E', nullptr, {}, {"circle"}},
         {"eext_circle_object_scroller_add", nullptr, -5, 'E', nullptr, {}, {"circle"}},
         {"uxt_popup_set_rotary_event_enabled", nullptr, -5, 'E', nullptr, {}, {"popup-rotary"}},
+        {"eext_rotary_object_event_activated_set", nullptr, -5, 'E', nullptr, {}, {"circle"}},
+        // Usage records are fire-and-forget.
+        {"nerova_log_manager_insert", nullptr, -5, 'E', nullptr, {}},
+        // Read only for one carrier model; this watch is another.
+        {"vconf_get_str", "db/csc/salescode", -5, 'E', nullptr, {}, {"main/Model number"}},
 
         // The device status page.
         {"tel_init",
@@ -374,6 +379,9 @@ const std::vector<FailurePoint> &failurePoints() {
          'E',
          "bt address : get bt address with error code:-5",
          {{"status/Bluetooth address", "Unavailable"}}},
+        // Closing the radios again is not examined.
+        {"bt_deinitialize", nullptr, -5, 'E', nullptr, {}, {"status/Bluetooth address"}},
+        {"wifi_manager_deinitialize", nullptr, -5, 'E', nullptr, {}, {"status/Wi-Fi MAC address"}},
 
         // The software and security-platform pages.
         {"system_info_get_platform_string",
@@ -395,6 +403,13 @@ const std::vector<FailurePoint> &failurePoints() {
          "Vconf value error!",
          {{"software/Security status", kUnknown}}},
         {"csc_svc_config_chk_approval_version_exist",
+         nullptr,
+         -5,
+         'E',
+         nullptr,
+         {},
+         {"software/Software version"}},
+        {"csc_svc_config_get_approval_version",
          nullptr,
          -5,
          'E',
