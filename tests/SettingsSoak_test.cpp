@@ -53,9 +53,15 @@ TEST(Soak, SwitchShowsTheFinalValueAfterAnotherProcessTogglesIt) {
                       sim::SettingsStore::Ok)
                 << error;
         }
-        watch.send("wait 700\ndump\n");
-        nlohmann::json after = watch.nextDump();
-        ASSERT_TRUE(after.is_object()) << "the application stopped while the key changed";
+        // The application may still be working through the changes: look again for a while.
+        nlohmann::json after;
+        for (int look = 0; look < 20; ++look) {
+            watch.send("wait 500\ndump\n");
+            after = watch.nextDump();
+            ASSERT_TRUE(after.is_object()) << "the application stopped while the key changed";
+            if (rowWithLabel(after, label)["check"] == true)
+                break;
+        }
         EXPECT_EQ(rowWithLabel(after, label)["check"], true);
         watch.send("quit\n");
         EXPECT_EQ(watch.finish(), 0);
