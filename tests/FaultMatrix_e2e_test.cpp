@@ -662,8 +662,13 @@ const WatchRun &baseline() {
         return run;
     done = true;
     std::string dir = SimulatedWatch::binDir() + "/..";
-    std::string stamp = std::to_string(modified(SimulatedWatch::binDir() + "/quillset-drive")) +
-                        "-" + std::to_string(modified("/proc/self/exe"));
+    // Anything rebuilt since the last run makes it run again.
+    std::string stamp;
+    for (const std::string &file :
+         {SimulatedWatch::binDir() + "/quillset-drive", SimulatedWatch::binDir() + "/quillset-sim",
+          SimulatedWatch::binDir() + "/quillset-simd", dir + "/profiles/default.json",
+          dir + "/res/locale/en/LC_MESSAGES/quillset.mo", std::string("/proc/self/exe")})
+        stamp += std::to_string(modified(file)) + "-";
     int lock = open((dir + "/fault-matrix.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (lock >= 0)
         flock(lock, LOCK_EX);
