@@ -198,9 +198,7 @@ void StInfoMainViewController::_onReportDiagnosticTapped() {
 
 void StInfoMainViewController::_onUsbDebugTapped() {
     StInfoModel *model = StInfoModel::getInstance();
-    // A restricted menu refuses the change too, should its row still be enabled (a policy
-    // change whose notification never came).
-    if (model->isUsbDebuggingChangeRestricted() || model->isUsbDebuggingMenuRestricted())
+    if (model->isUsbDebuggingChangeRestricted())
         _createRestrictedPopup();
     else if (!model->isUsbDebuggingEnabled())
         attachPopup(new StInfoUSBDebuggingPopupController(_circleGenlist));

