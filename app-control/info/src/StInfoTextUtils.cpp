@@ -48,12 +48,16 @@ void formatStorageSize(double usedBytes, char *buffer, int size) {
 
 std::string getRegionCode() {
     char *value = vconf_get_str(kRegionFormatKey);
-    if (!value)
-        return kDefaultRegion;
-    // "en_GB.UTF-8": the country follows the language and its underscore.
-    std::string region = strlen(value) >= 5 ? std::string(value + 3, 2) : kDefaultRegion;
+    std::string region = regionOfFormat(value);
     free(value);
     return region;
+}
+
+std::string regionOfFormat(const char *value) {
+    // "en_GB.UTF-8": the country follows the language and its underscore.
+    if (!value || strlen(value) < 5)
+        return kDefaultRegion;
+    return std::string(value + 3, 2);
 }
 
 bool isUnformattedRegion(const std::string &region) {
@@ -68,8 +72,12 @@ bool isUnformattedRegion(const std::string &region) {
 std::string formatPhoneNumber(const std::string &number) {
     if (number.empty())
         return std::string();
-    std::string region = getRegionCode();
+    return formatPhoneNumber(number, getRegionCode());
+}
 
+std::string formatPhoneNumber(const std::string &number, const std::string &region) {
+    if (number.empty())
+        return std::string();
     size_t length = number.size();
     if (length >= 12 && !(length <= 16 && number[0] == '+'))
         return number;

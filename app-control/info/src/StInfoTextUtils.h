@@ -11,11 +11,17 @@ void formatStorageSize(double usedBytes, char *buffer, int size);
 // The two-letter region of the watch's region format ("KR" when unknown).
 std::string getRegionCode();
 
+// The two-letter region of a region-format value such as "en_GB.UTF-8" ("KR" for none).
+std::string regionOfFormat(const char *value);
+
 // Regions whose numbers are shown exactly as the network gives them.
 bool isUnformattedRegion(const std::string &region);
 
 // The number formatted as the user types it in the watch's region.
 std::string formatPhoneNumber(const std::string &number);
+
+// The number formatted as the user types it in region.
+std::string formatPhoneNumber(const std::string &number, const std::string &region);
 
 // Has the formatter (a library loaded on first use) loaded off the main loop ahead of need.
 void preparePhoneNumberFormatting();

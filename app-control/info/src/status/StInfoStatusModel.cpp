@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "StInfoDefines.h"
+#include "StInfoStatusRecordReader.h"
 #include "StInfoTextUtils.h"
 #include "StLog.h"
 
@@ -34,41 +35,9 @@ const int kCscImsRegistration = 93;
 const int kEsimProfileKindShown = 2;
 const int kEsimProfileEnabled = 1;
 
-// Carriers that show the ICCID split after the sixth digit and closed with an F.
-const char *const kSplitIccidSalesCodes[] = {"SKC", "SKO", "KTC", "KTO", "LUC", "LUO"};
-
 bool cscFeatureOn(int feature) {
     return csc_feature_get_bool(feature) == 1;
 }
-
-// The record's NUL-terminated text at offset, within a field of size bytes.
-std::string fieldText(const void *record, size_t offset, size_t size) {
-    const char *field = static_cast<const char *>(record) + offset;
-    return std::string(field, strnlen(field, size));
-}
-
-// Byte offsets of the modem's records, as the telephony service lays them out.
-const size_t kHwVersionOffset = 33;
-const size_t kPrlVersionOffset = 147;
-const size_t kEriVersionOffset = 199;
-const size_t kVersionFieldSize = 32;
-const size_t kPrlEriFieldSize = 51;
-const size_t kMeidOffset = 32;
-const size_t kImeiOffset = 64;
-const size_t kImeiSvOffset = 96;
-const size_t kSnFieldSize = 32;
-
-// Byte offsets of the eSIM service's profile list.
-const size_t kEsimCountOffset = 0;
-const size_t kEsimEntryOffset = 16;
-const size_t kEsimEntrySize = 32;
-const size_t kEsimKindOffset = 8;
-const size_t kEsimStateOffset = 12;
-const unsigned kEsimProfileMax = ESIM_PROFILE_MAX;
-
-const size_t kIccidRecordSize = 5124;
-const size_t kIccidTextOffset = 4;
-const int kSimRequestIccid = 5;
 
 }  // namespace
 
@@ -143,7 +112,7 @@ std::string StInfoStatusModel::getHwVersionInfo() {
         ST_ERR("tel_get_misc_me_version_sync() failed.");
         return "";
     }
-    std::string version = fieldText(info, kHwVersionOffset, kVersionFieldSize);
+    std::string version = StInfoStatusRecordReader::hwVersion(*info);
     free(info);
     ST_INFO("HwVersion='%s'", version.c_str());
     return version;
@@ -156,7 +125,7 @@ std::string StInfoStatusModel::getPrlInfo() {
         ST_ERR("Getting misc version information is failed");
         return ST_UNKNOWN_TEXT;
     }
-    std::string version = fieldText(info, kPrlVersionOffset, kPrlEriFieldSize);
+    std::string version = StInfoStatusRecordReader::prlVersion(*info);
     free(info);
     return version.empty() ? ST_UNKNOWN_TEXT : version;
 }
@@ -168,7 +137,7 @@ std::string StInfoStatusModel::getEriInfo() {
         ST_ERR("Getting misc version information is failed");
         return ST_UNKNOWN_TEXT;
     }
-    std::string version = fieldText(info, kEriVersionOffset, kPrlEriFieldSize);
+    std::string version = StInfoStatusRecordReader::eriVersion(*info);
     free(info);
     return version.empty() ? ST_UNKNOWN_TEXT : version;
 }
@@ -183,12 +152,13 @@ TelMiscSNInformation *StInfoStatusModel::_getMiscSnInfo() {
 
 namespace {
 
-std::string serialField(TelMiscSNInformation *info, size_t offset) {
+std::string serialField(TelMiscSNInformation *info,
+                        std::string (*field)(const TelMiscSNInformation &)) {
     if (!info) {
         ST_ERR("Getting misc version information is failed");
         return ST_UNKNOWN_TEXT;
     }
-    std::string text = fieldText(info, offset, kSnFieldSize);
+    std::string text = field(*info);
     free(info);
     return text.empty() ? ST_UNKNOWN_TEXT : text;
 }
@@ -196,15 +166,15 @@ std::string serialField(TelMiscSNInformation *info, size_t offset) {
 }  // namespace
 
 std::string StInfoStatusModel::getImeiInfo() {
-    return serialField(_getMiscSnInfo(), kImeiOffset);
+    return serialField(_getMiscSnInfo(), StInfoStatusRecordReader::imei);
 }
 
 std::string StInfoStatusModel::getImeiSvInfo() {
-    return serialField(_getMiscSnInfo(), kImeiSvOffset);
+    return serialField(_getMiscSnInfo(), StInfoStatusRecordReader::imeiSv);
 }
 
 std::string StInfoStatusModel::getMeIdInfo() {
-    return serialField(_getMiscSnInfo(), kMeidOffset);
+    return serialField(_getMiscSnInfo(), StInfoStatusRecordReader::meid);
 }
 
 bool StInfoStatusModel::getImsRegistrationInfo() {
@@ -385,12 +355,9 @@ void StInfoStatusModel::_tapiSimMsisdnGetCb(TapiHandle *, int, void *data, void 
         vconf_set_str(kSelectedNumberKey, "");
         return;
     }
-    // A signed count at offset 0, the first subscriber's number from offset 4.
-    const char *record = static_cast<const char *>(data);
-    int32_t count = 0;
-    memcpy(&count, record, sizeof(count));
-    const char *number = count > 0 ? record + 4 : "";
-    if (vconf_set_str(kSelectedNumberKey, number) != VCONF_OK)
+    std::string number =
+        StInfoStatusRecordReader::msisdn(*static_cast<const TelSimMsisdnList_t *>(data));
+    if (vconf_set_str(kSelectedNumberKey, number.c_str()) != VCONF_OK)
         ST_ERR("vconf_set_str(%s) failed", kSelectedNumberKey);
     self->_msisdnSignal.emit();
 }
@@ -438,27 +405,15 @@ std::string StInfoStatusModel::getIccidInfo() {
     }
     if (!_tapihandle)
         return ST_UNKNOWN_TEXT;
-    std::vector<char> record(kIccidRecordSize, 0);
-    int ret = tel_request_sim_sync(_tapihandle, kSimRequestIccid, nullptr, record.data());
+    auto record = std::make_unique<TelSimIccIdRecord_t>();
+    int ret = tel_request_sim_sync(_tapihandle, TAPI_SIM_REQ_GET_ICCID, nullptr, record.get());
     if (ret != TAPI_API_SUCCESS) {
         ST_ERR("tel_request_sim_sync failed [%d]", ret);
         return ST_UNKNOWN_TEXT;
     }
-    int32_t length = 0;
-    memcpy(&length, record.data(), sizeof(length));
-    if (length <= 0)
+    std::string iccid;
+    if (!StInfoStatusRecordReader::iccid(*record, _getCustomerCode(), &iccid))
         return ST_UNKNOWN_TEXT;
-    std::string iccid =
-        fieldText(record.data(), kIccidTextOffset, kIccidRecordSize - kIccidTextOffset);
-    std::string salesCode = _getCustomerCode();
-    for (const char *code : kSplitIccidSalesCodes) {
-        if (salesCode != code)
-            continue;
-        char buffer[256] = {0};
-        if (length > 6 && iccid.size() > 6)
-            snprintf(buffer, sizeof(buffer), "%.6s %sF", iccid.c_str(), iccid.c_str() + 6);
-        return buffer;
-    }
     return iccid;
 }
 
@@ -495,25 +450,11 @@ void StInfoStatusModel::_esimGetProfileCb(esim_h, int result, esim_profile_list_
     }
     self->_esimProfiles.clear();
     if (profileList) {
-        const char *record = reinterpret_cast<const char *>(profileList);
-        unsigned count = static_cast<unsigned char>(record[kEsimCountOffset]);
-        // The list has room for ESIM_PROFILE_MAX entries whatever its count says; reading
-        // further would read past it.
-        if (count > kEsimProfileMax) {
-            ST_ERR("[ESIM] profile list counts %u profiles but holds at most %u", count,
-                   kEsimProfileMax);
-            count = kEsimProfileMax;
-        }
-        for (unsigned i = 0; i < count; ++i) {
-            const char *entry = record + kEsimEntryOffset + kEsimEntrySize * i;
-            const char *name = nullptr;
-            memcpy(&name, entry, sizeof(name));
-            auto profile = std::make_shared<StInfoEsimProfile>();
-            profile->name = name ? name : "";
-            memcpy(&profile->kind, entry + kEsimKindOffset, sizeof(int32_t));
-            memcpy(&profile->state, entry + kEsimStateOffset, sizeof(int32_t));
-            self->_esimProfiles.push_back(profile);
-        }
+        if (profileList->count > ESIM_PROFILE_MAX)
+            ST_ERR("[ESIM] profile list counts %u profiles but holds at most %u",
+                   static_cast<unsigned>(profileList->count),
+                   static_cast<unsigned>(ESIM_PROFILE_MAX));
+        self->_esimProfiles = StInfoStatusRecordReader::esimProfiles(*profileList);
     }
     self->_esimProfileSignal.emit();
 }
