@@ -2,8 +2,9 @@
 BUILD ?= build
 CMAKE_FLAGS ?=
 PROFILE ?= default
+FUZZ_TIME ?= 20
 
-.PHONY: all deps configure build run test soak bench tour format clean
+.PHONY: all deps configure build run test soak bench tour format clean fuzz
 
 all: build
 
@@ -38,8 +39,13 @@ bench: deps
 tour: build
 	@scripts/tour.sh $(BUILD)
 
+# Builds the fuzz targets with clang in a directory of their own and runs each for a while.
+fuzz:
+	@scripts/install-deps.sh fuzz
+	@FUZZ_TIME=$(FUZZ_TIME) scripts/fuzz.sh build-fuzz
+
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) out
+	rm -rf $(BUILD) build-fuzz out

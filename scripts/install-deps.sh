@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build, the simulated watch and the tests need.
 # Only packages that are missing are installed; sudo is used when not root.
+# `install-deps.sh fuzz` adds what `make fuzz` needs: clang, libFuzzer and the symbolizer.
 set -euo pipefail
 
 packages=(
@@ -17,6 +18,12 @@ packages=(
     xvfb xauth
     python3 python3-jsonschema
 )
+for group in "$@"; do
+    case "$group" in
+        fuzz) packages+=(clang libclang-rt-dev llvm) ;;
+        *) echo "install-deps.sh: unknown group '$group' (fuzz)" >&2; exit 2 ;;
+    esac
+done
 
 missing=()
 for p in "${packages[@]}"; do

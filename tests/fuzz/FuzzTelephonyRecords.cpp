@@ -1,0 +1,50 @@
+// The modem's records as the telephony service fills them: the misc version record, the
+// serial-number record and the ICCID record, each made of the input's bytes. The first byte
+// also picks the carrier whose ICCID layout applies.
+
+#include <telephony.h>
+
+#include <cstdint>
+#include <string>
+
+#include "FuzzCheck.h"
+#include "FuzzRecord.h"
+#include "StInfoStatusRecordReader.h"
+
+namespace {
+
+const char *const kSalesCodes[] = {"", "VZW", "SKC", "SKO", "KTC", "KTO", "LUC", "LUO", "kto"};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    auto version = recordFrom<TelMiscVersionInformation>(data, size);
+    FUZZ_CHECK(StInfoStatusRecordReader::hwVersion(*version).size() <=
+               sizeof(version->szHwVersion));
+    FUZZ_CHECK(StInfoStatusRecordReader::prlVersion(*version).size() <=
+               sizeof(version->szPrlVersion));
+    FUZZ_CHECK(StInfoStatusRecordReader::eriVersion(*version).size() <=
+               sizeof(version->szEriVersion));
+
+    auto serial = recordFrom<TelMiscSNInformation>(data, size);
+    FUZZ_CHECK(StInfoStatusRecordReader::meid(*serial).size() <= sizeof(serial->szMeid));
+    FUZZ_CHECK(StInfoStatusRecordReader::imei(*serial).size() <= sizeof(serial->szImei));
+    FUZZ_CHECK(StInfoStatusRecordReader::imeiSv(*serial).size() <= sizeof(serial->szImeiSv));
+
+    auto iccid = recordFrom<TelSimIccIdRecord_t>(data, size);
+    std::string salesCode =
+        kSalesCodes[size ? data[0] % (sizeof(kSalesCodes) / sizeof(kSalesCodes[0])) : 0];
+    std::string shown;
+    bool present = StInfoStatusRecordReader::iccid(*iccid, salesCode, &shown);
+    FUZZ_CHECK(present == (iccid->icc_length > 0));
+    if (present && salesCode.size() == 3 && salesCode[0] != 'V' && salesCode != "kto") {
+        // Split after the sixth digit and closed with an F (unless cut at 255 characters), or
+        // nothing at all.
+        FUZZ_CHECK(shown.size() < 256);
+        FUZZ_CHECK(shown.empty() || (shown.size() >= 9 && shown[6] == ' ' &&
+                                     (shown.back() == 'F' || shown.size() == 255)));
+    } else if (present) {
+        FUZZ_CHECK(shown.size() <= sizeof(iccid->icc_num));
+    }
+    return 0;
+}
