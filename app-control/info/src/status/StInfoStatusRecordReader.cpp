@@ -89,7 +89,9 @@ bool StInfoStatusRecordReader::iccid(const TelSimIccIdRecord_t &record,
 std::vector<std::shared_ptr<StInfoStatusModel::StInfoEsimProfile>>
 StInfoStatusRecordReader::esimProfiles(const esim_profile_list_s &list) {
     std::vector<std::shared_ptr<StInfoStatusModel::StInfoEsimProfile>> profiles;
-    for (unsigned i = 0; i < list.count; ++i) {
+    // The count is a byte, the list holds fewer entries: a larger count is read as a full list.
+    unsigned count = list.count < ESIM_PROFILE_MAX ? list.count : ESIM_PROFILE_MAX;
+    for (unsigned i = 0; i < count; ++i) {
         const esim_profile_s &entry = list.profiles[i];
         auto profile = std::make_shared<StInfoStatusModel::StInfoEsimProfile>();
         profile->name = entry.name ? entry.name : "";
