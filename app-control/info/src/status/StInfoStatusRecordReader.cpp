@@ -65,7 +65,8 @@ std::string StInfoStatusRecordReader::imeiSv(const TelMiscSNInformation &record)
 std::string StInfoStatusRecordReader::msisdn(const TelSimMsisdnList_t &list) {
     if (list.count <= 0)
         return "";
-    return list.list[0].num;
+    // A number that fills its field has no terminator; it must not run into the name after it.
+    return fieldText(list.list[0].num);
 }
 
 bool StInfoStatusRecordReader::iccid(const TelSimIccIdRecord_t &record,
