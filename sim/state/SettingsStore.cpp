@@ -38,7 +38,9 @@ bool parseDouble(const std::string &text, double *out) {
     char *end = nullptr;
     errno = 0;
     double v = strtod(text.c_str(), &end);
-    if (*end || !std::isfinite(v) || (errno == ERANGE && v != 0))
+    // strtod stops at a NUL byte: a file zero-filled after a crash is not the number before it.
+    if (end == text.c_str() || end != text.c_str() + text.size() || !std::isfinite(v) ||
+        (errno == ERANGE && v != 0))
         return false;
     *out = v;
     return true;
