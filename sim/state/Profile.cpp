@@ -361,9 +361,52 @@ std::string lineColumn(const std::string &text, size_t byte) {
 // The parser's own explanation, without its exception id and position.
 std::string parseReason(const std::string &what) {
     size_t column = what.find(", column ");
-    size_t colon = what.find(": ", column == std::string::npos ? 0 : column);
+    if (column == std::string::npos) {
+        size_t id = what.find("] ");
+        return id == std::string::npos ? what : what.substr(id + 2);
+    }
+    size_t colon = what.find(": ", column);
     return colon == std::string::npos ? what : what.substr(colon + 2);
 }
+
+// Reads a text as JSON without keeping it, to learn where and why it is not JSON the parser
+// takes. Unlike the parser's exceptions, this hears of every failure with its position,
+// numbers too large for a double included.
+class JsonProbe : public nlohmann::json_sax<Json> {
+public:
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool number_integer(number_integer_t) override { return true; }
+    bool number_unsigned(number_unsigned_t) override { return true; }
+    bool number_float(number_float_t, const string_t &) override { return true; }
+    bool string(string_t &) override { return true; }
+    bool binary(binary_t &) override { return true; }
+    bool start_object(std::size_t) override { return true; }
+    bool key(string_t &) override { return true; }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t) override { return true; }
+    bool end_array() override { return true; }
+    bool parse_error(std::size_t position, const std::string &token,
+                     const nlohmann::detail::exception &error) override {
+        // A syntax error is reported just past the character that broke the parse; a value
+        // out of range just past the whole value.
+        bool range = dynamic_cast<const Json::out_of_range *>(&error) != nullptr;
+        size_t back = range ? token.size() : 1;
+        _at = position >= back ? position - back : 0;
+        _reason = parseReason(error.what());
+        _failed = true;
+        return false;
+    }
+
+    bool failed() const { return _failed; }
+    size_t at() const { return _at; }
+    const std::string &reason() const { return _reason; }
+
+private:
+    bool _failed = false;
+    size_t _at = 0;
+    std::string _reason;
+};
 
 }  // namespace
 
@@ -396,14 +439,18 @@ bool Profile::parse(const std::string &text, const std::string &sourceName, std:
                  std::to_string(kMaxNesting) + " levels deep";
         return false;
     }
+    JsonProbe probe;
+    Json::sax_parse(text, &probe);
+    if (probe.failed()) {
+        *error = sourceName + ": " + lineColumn(text, probe.at()) + ": malformed JSON (" +
+                 probe.reason() + ")";
+        return false;
+    }
     Json parsed;
     try {
         parsed = Json::parse(text);
-    } catch (const Json::parse_error &e) {
-        // e.byte counts from 1 and points at the character that broke the parse.
-        size_t at = e.byte > 0 ? e.byte - 1 : 0;
-        *error = sourceName + ": " + lineColumn(text, at) + ": malformed JSON (" +
-                 parseReason(e.what()) + ")";
+    } catch (const Json::exception &e) {
+        *error = sourceName + ": malformed JSON (" + parseReason(e.what()) + ")";
         return false;
     }
     std::vector<std::string> warnings;
