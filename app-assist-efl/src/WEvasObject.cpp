@@ -10,7 +10,7 @@ const char *const kHolderKey = "_app_assist_wevasobject";
 struct WEvasObjectHolder {
     std::shared_ptr<WEvasObject> object;
 
-    static void delCb(void *data, Evas *, Evas_Object *, void *) {
+    static void delCb(void *data, const Efl_Event *) {
         auto *holder = static_cast<WEvasObjectHolder *>(data);
         holder->object->_obj = nullptr;
         delete holder;
@@ -24,7 +24,9 @@ WEvasObjectWeakPtr wevasobject_get_weak_ptr(Evas_Object *obj) {
     if (!holder) {
         holder = new WEvasObjectHolder{std::make_shared<WEvasObject>(obj)};
         evas_object_data_set(obj, kHolderKey, holder);
-        evas_object_event_callback_add(obj, EVAS_CALLBACK_DEL, WEvasObjectHolder::delCb, holder);
+        // At the object level: the toolkit skips the EVAS_CALLBACK_DEL of an object whose
+        // input is frozen, and a weak pointer must expire all the same.
+        efl_event_callback_add(obj, EFL_EVENT_DEL, WEvasObjectHolder::delCb, holder);
     }
     return holder->object;
 }

@@ -34,7 +34,9 @@ bool StAppControlLauncher::sendLaunchRequest(app_control_h request, app_control_
             Evas_Object *obj = blocked->getEvasObject();
             evas_object_freeze_events_set(obj, EINA_TRUE);
             _timer = ecore_timer_add(timeout, _timeOutCb, this);
-            evas_object_event_callback_add(obj, EVAS_CALLBACK_DEL, _evasObjDelCb, this);
+            // The toolkit runs no EVAS_CALLBACK_DEL of an object whose input is frozen: the
+            // deletion is heard at the object level instead.
+            efl_event_callback_add(obj, EFL_EVENT_DEL, _evasObjDelCb, this);
         }
     }
 
@@ -61,7 +63,7 @@ void StAppControlLauncher::_thaw() {
     if (blocked && blocked->getEvasObject()) {
         Evas_Object *obj = blocked->getEvasObject();
         evas_object_freeze_events_set(obj, EINA_FALSE);
-        evas_object_event_callback_del_full(obj, EVAS_CALLBACK_DEL, _evasObjDelCb, this);
+        efl_event_callback_del(obj, EFL_EVENT_DEL, _evasObjDelCb, this);
         _blockedObject.reset();
     }
 }
@@ -92,7 +94,7 @@ Eina_Bool StAppControlLauncher::_timeOutCb(void *data) {
     return ECORE_CALLBACK_CANCEL;
 }
 
-void StAppControlLauncher::_evasObjDelCb(void *data, Evas *, Evas_Object *, void *) {
+void StAppControlLauncher::_evasObjDelCb(void *data, const Efl_Event *) {
     auto *self = static_cast<StAppControlLauncher *>(data);
     // The object goes away with its input; only the time-out is left to cancel.
     if (self->_timer) {

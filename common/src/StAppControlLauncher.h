@@ -26,7 +26,7 @@ private:
     void _clearAll();
     void _thaw();
     static Eina_Bool _timeOutCb(void *data);
-    static void _evasObjDelCb(void *data, Evas *evas, Evas_Object *object, void *eventInfo);
+    static void _evasObjDelCb(void *data, const Efl_Event *event);
 
     Ecore_Timer *_timer;
     app_assist::WEvasObjectWeakPtr _blockedObject;
