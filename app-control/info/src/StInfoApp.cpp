@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "StAppControlLauncher.h"
 #include "StInfoDefines.h"
 #include "StInfoMainViewController.h"
 #include "StLog.h"
@@ -82,6 +83,10 @@ bool StInfoApp::onCreate() {
 }
 
 void StInfoApp::onTerminate() {
+    // A list still blocked after a launch has its input frozen, and the toolkit deletes a
+    // frozen object without running its deletion callbacks: what is attached to the list
+    // would outlive it. Its input is let go before the window takes it down.
+    StAppControlLauncher::getInstance()->unblockUi();
     if (_colorTable) {
         uxt_theme_delete_color_table(_colorTable);
         _colorTable = nullptr;
