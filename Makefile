@@ -4,7 +4,7 @@ CMAKE_FLAGS ?=
 PROFILE ?= default
 FUZZ_TIME ?= 20
 
-.PHONY: all deps configure build run test soak bench tour format clean fuzz
+.PHONY: all deps configure build run test soak bench tour format clean fuzz check-asan check-valgrind
 
 all: build
 
@@ -39,13 +39,20 @@ bench: deps
 tour: build
 	@scripts/tour.sh $(BUILD)
 
-# Builds the fuzz targets with clang in a directory of their own and runs each for a while.
+# The checks; fuzz and check-asan build in directories of their own (build-fuzz, build-asan).
 fuzz:
 	@scripts/install-deps.sh fuzz
 	@FUZZ_TIME=$(FUZZ_TIME) scripts/fuzz.sh build-fuzz
+
+check-asan: deps
+	@scripts/check-asan.sh build-asan
+
+check-valgrind: build
+	@scripts/install-deps.sh valgrind
+	@scripts/check-valgrind.sh $(BUILD)
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) build-fuzz out
+	rm -rf $(BUILD) build-fuzz build-asan out

@@ -42,7 +42,7 @@ if [ ${#failed[@]} -gt 0 ]; then
     for name in "${failed[@]}"; do
         echo "=== $name"
         grep -E -A 25 'ERROR: (AddressSanitizer|LeakSanitizer|libFuzzer)|runtime error|property broken' \
-            "$build/logs/$name.log" | head -n 40
+            "$build/logs/$name.log" | cut -c1-240 | head -n 40
     done
     echo "fuzz: ${#failed[@]} target(s) failed: ${failed[*]}; inputs in $build/crashes/"
     exit 1

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build, the simulated watch and the tests need.
 # Only packages that are missing are installed; sudo is used when not root.
-# `install-deps.sh fuzz` adds what `make fuzz` needs: clang, libFuzzer and the symbolizer.
+# Extra groups for the checks that need more: `install-deps.sh fuzz` (clang, libFuzzer and the
+# symbolizer for `make fuzz`), `install-deps.sh valgrind` (`make check-valgrind`).
 set -euo pipefail
 
 packages=(
@@ -21,7 +22,8 @@ packages=(
 for group in "$@"; do
     case "$group" in
         fuzz) packages+=(clang libclang-rt-dev llvm) ;;
-        *) echo "install-deps.sh: unknown group '$group' (fuzz)" >&2; exit 2 ;;
+        valgrind) packages+=(valgrind) ;;
+        *) echo "install-deps.sh: unknown group '$group' (fuzz, valgrind)" >&2; exit 2 ;;
     esac
 done
 
