@@ -762,18 +762,33 @@ double Driver::_revealSwitches(std::function<void(const ScreenReader::SwitchStat
     int x = 0, y = 0, w = 0, h = 0;
     elm_interface_scrollable_content_region_get(list, &x, &y, &w, &h);
     auto states = std::make_shared<ScreenReader::SwitchStates>();
-    for (size_t i = 0; i < hidden.size(); ++i) {
+    // One switch at a time: scrolled in, then read once its check is drawn. A slow frame (a
+    // sanitized build, a loaded machine) is waited for, up to a second a switch.
+    const int maxWaits = 33;
+    using Step = std::function<void(size_t, int)>;
+    auto next = std::make_shared<Step>();
+    std::weak_ptr<Step> weakNext = next;
+    *next = [this, hidden, states, weakNext, list, x, y, w, h, done, frame](size_t i, int waited) {
+        if (i == hidden.size()) {
+            elm_interface_scrollable_content_region_show(list, x, y, w, h);
+            _after(frame, [states, done]() { done(*states); });
+            return;
+        }
         Elm_Object_Item *item = hidden[i];
-        _after(frame * i, [item]() { elm_genlist_item_show(item, ELM_GENLIST_ITEM_SCROLLTO_IN); });
-        _after(frame * (i + 1) - 0.005, [item, states]() {
-            if (Evas_Object *check = ScreenReader::checkOf(item))
+        if (waited == 0)
+            elm_genlist_item_show(item, ELM_GENLIST_ITEM_SCROLLTO_IN);
+        std::shared_ptr<Step> step = weakNext.lock();
+        _after(frame, [step, item, states, i, waited, maxWaits]() {
+            if (Evas_Object *check = ScreenReader::checkOf(item)) {
                 (*states)[item] = elm_check_state_get(check);
+                (*step)(i + 1, 0);
+            } else if (waited < maxWaits) {
+                (*step)(i, waited + 1);
+            } else {
+                (*step)(i + 1, 0);
+            }
         });
-    }
-    double total = frame * (hidden.size() + 1);
-    _after(frame * hidden.size(), [list, x, y, w, h]() {
-        elm_interface_scrollable_content_region_show(list, x, y, w, h);
-    });
-    _after(total, [states, done]() { done(*states); });
-    return total + frame;
+    };
+    (*next)(0, 0);
+    return frame * (hidden.size() + 2);
 }
