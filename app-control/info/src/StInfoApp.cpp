@@ -14,6 +14,7 @@
 #include "StAppControlLauncher.h"
 #include "StInfoDefines.h"
 #include "StInfoMainViewController.h"
+#include "StInfoTextUtils.h"
 #include "StLog.h"
 
 namespace {
@@ -87,6 +88,7 @@ void StInfoApp::onTerminate() {
     // frozen object without running its deletion callbacks: what is attached to the list
     // would outlive it. Its input is let go before the window takes it down.
     StAppControlLauncher::getInstance()->unblockUi();
+    finishPhoneNumberFormatting();
     if (_colorTable) {
         uxt_theme_delete_color_table(_colorTable);
         _colorTable = nullptr;

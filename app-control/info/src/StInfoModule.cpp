@@ -20,7 +20,7 @@ struct BackgroundLoad {
 }  // namespace
 
 StInfoModule::StInfoModule(const char *name)
-    : _name(name ? name : ""), _handle(nullptr), _backgroundStarted(false) {}
+    : _name(name ? name : ""), _handle(nullptr), _backgroundStarted(false), _thread(nullptr) {}
 
 StInfoModule::~StInfoModule() {
     // The library stays: objects it made may outlive this handle.
@@ -73,11 +73,18 @@ void StInfoModule::loadInBackground(const char *warmUpEntry) {
         return;
     _backgroundStarted = true;
     auto *load = new BackgroundLoad{this, path, warmUpEntry ? warmUpEntry : "", nullptr};
-    if (!ecore_thread_run(_backgroundLoadCb, _backgroundDoneCb, _backgroundDoneCb, load)) {
+    _thread = ecore_thread_run(_backgroundLoadCb, _backgroundDoneCb, _backgroundDoneCb, load);
+    if (!_thread) {
         // Not an error: the first symbol() loads it on the main loop instead.
         _backgroundStarted = false;
         delete load;
     }
+}
+
+void StInfoModule::finishBackground() {
+    // The end callback clears _thread; waiting runs it.
+    if (_thread && !ecore_thread_wait(_thread, 10.0))
+        ST_ERR("%s: the background load did not end", _name.c_str());
 }
 
 void StInfoModule::_backgroundLoadCb(void *data, Ecore_Thread *) {
@@ -92,6 +99,7 @@ void StInfoModule::_backgroundLoadCb(void *data, Ecore_Thread *) {
 
 void StInfoModule::_backgroundDoneCb(void *data, Ecore_Thread *) {
     auto *load = static_cast<BackgroundLoad *>(data);
+    load->module->_thread = nullptr;
     // A failure here is reported by the first symbol(), which tries again.
     if (load->handle && !load->module->_handle)
         load->module->_handle = load->handle;

@@ -20,6 +20,9 @@ public:
     // Loads the library on a worker thread and calls its warm-up entry there, so that the
     // first symbol() finds it ready without holding up the main loop meanwhile.
     void loadInBackground(const char *warmUpEntry);
+    // Waits for a background load still under way: the process must not end while a worker
+    // thread is inside the library's start-up.
+    void finishBackground();
 
     StInfoModule(const StInfoModule &) = delete;
     StInfoModule &operator=(const StInfoModule &) = delete;
@@ -33,6 +36,7 @@ private:
     std::string _name;
     void *_handle;
     bool _backgroundStarted;
+    Ecore_Thread *_thread;
 };
 
 #endif

@@ -100,6 +100,10 @@ void preparePhoneNumberFormatting() {
     phoneNumberModule().loadInBackground(ST_INFO_PHONENUMBER_WARM_UP_ENTRY);
 }
 
+void finishPhoneNumberFormatting() {
+    phoneNumberModule().finishBackground();
+}
+
 std::string toNationalNumber(const std::string &formatted) {
     if (formatted.empty() || formatted[0] != '+')
         return formatted;

@@ -25,6 +25,8 @@ std::string formatPhoneNumber(const std::string &number, const std::string &regi
 
 // Has the formatter (a library loaded on first use) loaded off the main loop ahead of need.
 void preparePhoneNumberFormatting();
+// Before the process ends: waits for that load if it is still under way.
+void finishPhoneNumberFormatting();
 
 // "+82 10-1234-5678" -> "010-1234-5678": drops the country code for the trunk prefix 0.
 std::string toNationalNumber(const std::string &formatted);
