@@ -55,4 +55,4 @@ format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) build-fuzz build-asan out
+	rm -rf $(BUILD) build-fuzz build-asan build-release out
