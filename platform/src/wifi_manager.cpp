@@ -33,10 +33,11 @@ int wifi_manager_initialize(wifi_manager_h *wifi) {
 int wifi_manager_deinitialize(wifi_manager_h wifi) {
     if (!wifi)
         return WIFI_MANAGER_ERROR_INVALID_PARAMETER;
+    // The handle holds nothing the caller could use again: a failing close still frees it.
+    delete static_cast<wifi_manager_s *>(wifi);
     int code;
     if (platform::fault("wifi_manager_deinitialize", nullptr, &code))
         return code;
-    delete static_cast<wifi_manager_s *>(wifi);
     return WIFI_MANAGER_ERROR_NONE;
 }
 
