@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <vconf.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -151,6 +152,50 @@ TEST_F(CommonServicesTest, StatusReportFollowsTheWatchSettings) {
         "ST66 - 0",    "S002 - 0",         "S007 - -",    "S014 - 0", "S015 sort by custom -",
         "S121 - 1000", "S122 - WiFi only", "S016 - 1000", "S036 - 0", "S036 - Custom (watch face)"};
     EXPECT_EQ(records, expected);
+}
+
+TEST_F(CommonServicesTest, StatusReportOfAWatchWhoseReadsAllFailSaysOffAndSkipsTexts) {
+    // The ringtone is preloaded and has a title, but the extractor cannot read it.
+    writeProfile(R"({"media": {"/opt/usr/data/settings/Ringtones/Dawn.ogg": {"title": "Dawn"}},
+                     "preferences": {"DND_SCHEDULE_ENABLED": true},
+                     "faults": [{"call": "vconf_get_int", "code": -1},
+                                {"call": "vconf_get_bool", "code": -1},
+                                {"call": "preference_get_boolean", "code": -22},
+                                {"call": "metadata_extractor_get_metadata", "code": -22}]})");
+    vconf_set_str("db/setting/sound/call/ringtone_path",
+                  "/opt/usr/data/settings/Ringtones/Dawn.ogg");
+    StLogManager::getInstance()->logStatusAll();
+    std::vector<std::string> expected = {"S004 1 -",
+                                         "ST30 0 -",
+                                         "ST31 - 0",
+                                         "ST41 - 0",
+                                         "S032 - 0",
+                                         "ST51 Mute -",
+                                         "ST61 - 0",
+                                         "ST62 - 0",
+                                         "ST65 - 0",
+                                         "ST66 - 0",
+                                         "S002 - 0",
+                                         "S000 - 0",
+                                         "S007 - -",
+                                         "S014 - 0",
+                                         "S015 sort by custom -",
+                                         "S121 - 0",
+                                         "S016 - 0",
+                                         "S036 - 0",
+                                         "S036 - Most recent first (watch face)"};
+    EXPECT_EQ(statusRecords(), expected);
+
+    // Without the settings store's strings too, the ringtone row goes the same way.
+    writeProfile(R"({"faults": [{"call": "vconf_get_str", "code": -1},
+                                {"call": "metadata_extractor_create", "code": -22}]})");
+    size_t before = statusRecords().size();
+    StLogManager::getInstance()->logStatusAll();
+    std::vector<std::string> records = statusRecords();
+    records.erase(records.begin(), records.begin() + before);
+    for (const std::string &record : records)
+        EXPECT_NE(record.rfind("ST50", 0), 0u) << record;
+    EXPECT_NE(std::find(records.begin(), records.end(), "S007 - -"), records.end());
 }
 
 TEST_F(CommonServicesTest, BrightnessLevelsAndSkippedRecords) {

@@ -301,3 +301,21 @@ TEST_F(StInfoStatusModelTest, UnreachableDeviceDaemonGivesEmptySerialAndBarcode)
     EXPECT_EQ(model->getBarcodeNumberInfo(), "");
     EXPECT_TRUE(logHas("fail send message"));
 }
+
+TEST_F(StInfoStatusModelTest, TeardownClosesTheModemAndLogsWhenItWillNotClose) {
+    writeProfile(std::string(kModem) + R"(,
+        "system_info": {"vendor": {"tizen/feature/esim.phase": 1}},
+        "esim": {"eid": "8904", "profiles": [{"name": "A", "kind": 2, "state": 1}]})");
+    StInfoStatusModel *model = StInfoStatusModel::getInstance();
+    ASSERT_TRUE(runUntil([model]() { return model->getEnabledEsimName() == "A"; }));
+    delete model;
+    EXPECT_FALSE(logHas("tel deinit error!!"));
+
+    // The next model starts afresh; this one's modem refuses to close.
+    writeProfile(std::string(kModem) + R"(, "faults": [{"call": "tel_deinit", "code": -1}])");
+    model = StInfoStatusModel::getInstance();
+    EXPECT_EQ(model->getImeiInfo(), "352531110123456");
+    delete model;
+    EXPECT_TRUE(logHas("tel deinit error!!"));
+    EXPECT_NE(StInfoStatusModel::getInstance(), nullptr);
+}
