@@ -146,19 +146,20 @@ TapiHandle *tel_init(const char *cp_name) {
 }
 
 int tel_deinit(TapiHandle *handle) {
+    // The handle holds nothing the caller could use again: a failing close still frees it.
+    if (handle) {
+        platform::simEventUnsubscribe(handle->eventSubscription);
+        platform::awaitReplies(-static_cast<int>(handle->pending.size()));
+        for (Request *request : handle->pending) {
+            ecore_timer_del(request->timer);
+            delete request;
+        }
+        delete handle;
+    }
     int code;
     if (platform::fault("tel_deinit", nullptr, &code))
         return code;
-    if (!handle)
-        return TAPI_API_INVALID_PTR;
-    platform::simEventUnsubscribe(handle->eventSubscription);
-    platform::awaitReplies(-static_cast<int>(handle->pending.size()));
-    for (Request *request : handle->pending) {
-        ecore_timer_del(request->timer);
-        delete request;
-    }
-    delete handle;
-    return TAPI_API_SUCCESS;
+    return handle ? TAPI_API_SUCCESS : TAPI_API_INVALID_PTR;
 }
 
 int tel_register_noti_event(TapiHandle *handle, const char *noti_id, tapi_notification_cb callback,
