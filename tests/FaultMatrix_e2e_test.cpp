@@ -211,6 +211,13 @@ const std::vector<FailurePoint> &failurePoints() {
          'E',
          "app_event_get_language() failed!",
          {{"lang/title", kAny}}},
+        // Without its handler the application never hears of the new language.
+        {"ui_app_add_event_handler",
+         nullptr,
+         -5,
+         'E',
+         "ui_app_add_event_handler(2) failed: -5",
+         {{"lang/title", kAny}}},
         {"app_control_send_launch_request",
          nullptr,
          -5,
@@ -698,11 +705,19 @@ int countLogLines(const std::string &log, char priority, const std::string &mess
                                            : "\033[0;32m";
     std::string wanted = ") > " + colour + message + "\033[0;m";
     std::string tag = std::string(" ") + priority + "/W-SETTING(";
+    // The application framework logs under its own tag, without colours.
+    std::string frameworkWanted = ") > " + message;
+    std::string frameworkTag = std::string(" ") + priority + "/WAPP(";
+    auto endsWith = [](const std::string &line, const std::string &end) {
+        return line.size() >= end.size() &&
+               line.compare(line.size() - end.size(), end.size(), end) == 0;
+    };
     int count = 0;
     std::istringstream in(log);
     std::string line;
     while (std::getline(in, line))
-        if (line.find(tag) != std::string::npos && line.find(wanted) != std::string::npos)
+        if ((line.find(tag) != std::string::npos && line.find(wanted) != std::string::npos) ||
+            (line.find(frameworkTag) != std::string::npos && endsWith(line, frameworkWanted)))
             ++count;
     return count;
 }
