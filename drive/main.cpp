@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <Efreet.h>
 #include <app.h>
 
 #include <climits>
@@ -81,6 +82,9 @@ int main(int argc, char *argv[]) {
         setenv("ELM_DISPLAY", "buffer", 1);
 
     StInfoApp::bindTextDomain();
+    // The driver runs under test runners and scripts that wait for its output to end; EFL's
+    // cache daemon, if the driver started it, would hold that output open after it is gone.
+    efreet_cache_disable();
 
     Driver driver(ownDirectory() + "/quillset-sim", script.empty() && isatty(STDIN_FILENO));
     DrivenApp app(driver, script);

@@ -8,6 +8,8 @@
 #include <unistd.h>
 #include <clocale>
 
+#include <Efreet.h>
+
 #include "StInfoApp.h"
 #include "StatePaths.h"
 
@@ -45,6 +47,9 @@ void EflTestEnvironment::SetUp() {
     setenv("LANGUAGE", "en_US:en", 1);
     setlocale(LC_ALL, "C.UTF-8");
     StInfoApp::bindTextDomain();
+    // Otherwise the first test to start EFL's cache daemon lends it its output, and the test
+    // runner waits for that daemon to end, long after the test has.
+    efreet_cache_disable();
     elm_init(0, nullptr);
     // The watch's own look, as the platform loads it for applications.
     std::string theme = sim::dataDir() + "/platform/watch-theme.edj";
