@@ -50,6 +50,7 @@ private:
     static void _renderPostCb(void *data, Evas *evas, void *info);
     // What a touched row opened: a popup is captured and closed, a page explored.
     double _tourAfterTouch(const std::string &child, int depth, int depthBefore, int looksLeft);
+    double _tourCapturePopup(const std::string &name, double budget, int framesAtSight);
     // A tour step that polls until the watch has sent every asynchronous answer.
     double _waitForReplies(double budget);
     // A tour step that polls until the top list takes input again (at most budget seconds).
