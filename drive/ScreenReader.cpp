@@ -13,12 +13,18 @@
 #include <iterator>
 #include <map>
 
+#include "EvasTree.h"
+
 using app_assist::WApp;
 using app_assist::WContentViewController;
 using app_assist::WNaviframeController;
 using app_assist::WPopupController;
 using app_assist::WViewController;
 using nlohmann::json;
+
+using evas_tree::collectByType;
+using evas_tree::findByType;
+using evas_tree::isType;
 
 namespace {
 
@@ -27,67 +33,6 @@ const char *const kRowParts[] = {"elm.text", "elm.text.1", "elm.text.2", "elm.te
 const char *const kCheckParts[] = {"elm.icon", "elm.swallow.icon", "elm.swallow.end"};
 // Text parts of the page layouts.
 const char *const kLayoutParts[] = {"text.title", "text.body", "elm.text.title", "elm.text"};
-
-bool isType(Evas_Object *obj, const char *type) {
-    const char *t = obj ? evas_object_type_get(obj) : nullptr;
-    return t && !strcmp(t, type);
-}
-
-Evas_Object *findByType(Evas_Object *obj, const char *type, int depth = 0) {
-    if (!obj || depth > 10)
-        return nullptr;
-    if (isType(obj, type))
-        return obj;
-    // Only smart objects have members.
-    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
-        return nullptr;
-    Eina_List *children = evas_object_smart_members_get(obj);
-    Evas_Object *found = nullptr;
-    Eina_List *l;
-    void *child;
-    EINA_LIST_FOREACH(children, l, child) {
-        found = findByType(static_cast<Evas_Object *>(child), type, depth + 1);
-        if (found)
-            break;
-    }
-    eina_list_free(children);
-    return found;
-}
-
-void collectByType(Evas_Object *obj, const char *type, std::vector<Evas_Object *> *found,
-                   int depth = 0) {
-    if (!obj || depth > 10)
-        return;
-    if (isType(obj, type)) {
-        found->push_back(obj);
-        return;
-    }
-    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
-        return;
-    Eina_List *children = evas_object_smart_members_get(obj);
-    Eina_List *l;
-    void *child;
-    EINA_LIST_FOREACH(children, l, child)
-    collectByType(static_cast<Evas_Object *>(child), type, found, depth + 1);
-    eina_list_free(children);
-}
-
-// Like collectByType, but also looks inside the objects found.
-void collectAllByType(Evas_Object *obj, const char *type, std::vector<Evas_Object *> *found,
-                      int depth = 0) {
-    if (!obj || depth > 16)
-        return;
-    if (isType(obj, type))
-        found->push_back(obj);
-    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
-        return;
-    Eina_List *children = evas_object_smart_members_get(obj);
-    Eina_List *l;
-    void *child;
-    EINA_LIST_FOREACH(children, l, child)
-    collectAllByType(static_cast<Evas_Object *>(child), type, found, depth + 1);
-    eina_list_free(children);
-}
 
 json textOrNull(const char *text) {
     return text ? json(std::string(text)) : json(nullptr);
@@ -287,7 +232,7 @@ json ScreenReader::dump(const SwitchStates &switches) const {
     if (view && !topList()) {
         // A page may nest its layout in a frame layout and a scroller: read every layout on it.
         std::vector<Evas_Object *> layouts;
-        collectAllByType(view->getEvasObject(), "elm_layout", &layouts);
+        collectByType(view->getEvasObject(), "elm_layout", &layouts, true);
         if (!layouts.empty()) {
             json parts = json::object();
             for (Evas_Object *layout : layouts)

@@ -14,18 +14,9 @@
 
 #include "Driver.h"
 #include "StInfoApp.h"
+#include "StatePaths.h"
 
 namespace {
-
-std::string ownDirectory() {
-    char path[PATH_MAX];
-    ssize_t n = readlink("/proc/self/exe", path, sizeof(path) - 1);
-    if (n <= 0)
-        return ".";
-    path[n] = '\0';
-    std::string dir(path);
-    return dir.substr(0, dir.rfind('/'));
-}
 
 // The application, with the driver starting once its window exists.
 class DrivenApp : public StInfoApp {
@@ -86,7 +77,7 @@ int main(int argc, char *argv[]) {
     // cache daemon, if the driver started it, would hold that output open after it is gone.
     efreet_cache_disable();
 
-    Driver driver(ownDirectory() + "/quillset-sim", script.empty() && isatty(STDIN_FILENO));
+    Driver driver(sim::executableDir() + "/quillset-sim", script.empty() && isatty(STDIN_FILENO));
     DrivenApp app(driver, script);
     int result = app.start(argc > 0 ? 1 : 0, argv);
     if (result != APP_ERROR_NONE)

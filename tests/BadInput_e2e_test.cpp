@@ -27,24 +27,12 @@ namespace {
 const std::string kOpenStatus = "tap WDS_ST_TMBODY_DEVICE_INFORMATION\nwait 200\ndump\nback\n";
 const std::string kOpenSoftware = "tap WDS_ST_TMBODY_SOFTWARE_INFORMATION\ndump\n";
 
-std::string readFile(const std::string &path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 // The default watch changed by edit, with answers that come at once.
 std::string profileWith(const std::function<void(json &)> &edit) {
-    json profile = json::parse(readFile(SimulatedWatch::binDir() + "/../profiles/default.json"));
-    profile["latency"] = {{"msisdn_ms", 0}, {"esim_profile_list_ms", 0}, {"esim_eid_ms", 0}};
-    edit(profile);
-    return profile.dump();
-}
-
-std::string value(const json &dump, const std::string &label) {
-    json row = rowWithLabel(dump, label);
-    return row.is_null() ? "(no row " + label + ")" : row["texts"].value("elm.text.1", "");
+    return ::profileWith("default", [&edit](json &profile) {
+        profile["latency"] = {{"msisdn_ms", 0}, {"esim_profile_list_ms", 0}, {"esim_eid_ms", 0}};
+        edit(profile);
+    });
 }
 
 bool logged(const std::string &log, const std::string &message) {
@@ -79,11 +67,11 @@ TEST(BadInputE2E, MarkupCharactersInDeviceValuesShowLiterally) {
                            "tap WDS_ST_TMBODY_BATTERY_INFORMATION\ndump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
     ASSERT_EQ(run.dumps.size(), 5u);
-    EXPECT_EQ(value(run.dumps[0], "Model number"), "QX<br>R925 & co");
-    EXPECT_EQ(value(run.dumps[1], "Kesta eSIM profile"), "<b>AT&T</b>") << "tags stay visible";
-    EXPECT_EQ(value(run.dumps[2], "Software version"), "R925<i>XX</i>");
-    EXPECT_EQ(value(run.dumps[3], "VIMO"), "1.4 &amp; 2");
-    EXPECT_EQ(value(run.dumps[4], "Battery capacity"), "<361>mAh");
+    EXPECT_EQ(rowValue(run.dumps[0], "Model number"), "QX<br>R925 & co");
+    EXPECT_EQ(rowValue(run.dumps[1], "Kesta eSIM profile"), "<b>AT&T</b>") << "tags stay visible";
+    EXPECT_EQ(rowValue(run.dumps[2], "Software version"), "R925<i>XX</i>");
+    EXPECT_EQ(rowValue(run.dumps[3], "VIMO"), "1.4 &amp; 2");
+    EXPECT_EQ(rowValue(run.dumps[4], "Battery capacity"), "<361>mAh");
 }
 
 TEST(BadInputE2E, RecordsCountingMoreEntriesThanTheyHoldAreReadUpToWhatTheyHold) {
@@ -93,8 +81,8 @@ TEST(BadInputE2E, RecordsCountingMoreEntriesThanTheyHoldAreReadUpToWhatTheyHold)
     }));
     auto run = watch.drive(kOpenStatus);
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(value(run.dumps.at(0), "Kesta eSIM profile"), "Kite & Co <Travel>");
-    EXPECT_EQ(value(run.dumps.at(0), "Kesta phone number"), "+44 7700 900123");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Kesta eSIM profile"), "Kite & Co <Travel>");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Kesta phone number"), "+44 7700 900123");
     EXPECT_TRUE(
         logged(watch.platformLog(), "[ESIM] profile list counts 200 profiles but holds at most 8"))
         << watch.platformLog();
@@ -106,7 +94,7 @@ TEST(BadInputE2E, RecordsCountingMoreEntriesThanTheyHoldAreReadUpToWhatTheyHold)
     }));
     run = empty.drive(kOpenStatus);
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(value(run.dumps.at(0), "Kesta phone number"), "Unknown");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Kesta phone number"), "Unknown");
 }
 
 TEST(BadInputE2E, EmptyAndOverlongNamesAndNumbers) {
@@ -114,7 +102,7 @@ TEST(BadInputE2E, EmptyAndOverlongNamesAndNumbers) {
     SimulatedWatch empty(profileWith([](json &p) { p["esim"]["profiles"][0]["name"] = ""; }));
     auto run = empty.drive(kOpenStatus);
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(value(run.dumps.at(0), "Kesta eSIM profile"), "None");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Kesta eSIM profile"), "None");
 
     SimulatedWatch overlong(profileWith([&](json &p) {
         p["esim"]["profiles"][0]["name"] = longName;
@@ -122,9 +110,9 @@ TEST(BadInputE2E, EmptyAndOverlongNamesAndNumbers) {
     }));
     run = overlong.drive(kOpenStatus);
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(value(run.dumps.at(0), "Kesta eSIM profile"), longName);
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Kesta eSIM profile"), longName);
     // The SIM's number field holds 26 digits; a longer number arrives cut and is not formatted.
-    EXPECT_EQ(value(run.dumps.at(0), "Kesta phone number"), std::string(26, '7'));
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Kesta phone number"), std::string(26, '7'));
 }
 
 TEST(BadInputE2E, CorruptTruncatedAndWronglyTypedSettingsReadAsUnset) {
@@ -144,7 +132,7 @@ TEST(BadInputE2E, CorruptTruncatedAndWronglyTypedSettingsReadAsUnset) {
     EXPECT_EQ(rowWithLabel(run.dumps[0], "Debugging")["check"], false);
     EXPECT_EQ(rowWithLabel(run.dumps[0], "Report diagnostic and usage info")["check"], false);
     EXPECT_EQ(rowLabels(run.dumps[0]).back(), "Reset Kesta") << "a wrongly typed retail key";
-    EXPECT_EQ(value(run.dumps[2], "Security status"), "Unknown");
+    EXPECT_EQ(rowValue(run.dumps[2], "Security status"), "Unknown");
     std::string log = watch.platformLog();
     // The platform says what is wrong with each file, the application what it could not read.
     EXPECT_TRUE(logged(log,
@@ -157,7 +145,7 @@ TEST(BadInputE2E, CorruptTruncatedAndWronglyTypedSettingsReadAsUnset) {
     EXPECT_TRUE(logged(log, "VCONFKEY_RETAILMODE_ENABLED get error!!"));
     EXPECT_TRUE(logged(log, "Vconf value error!"));
     // The phone number arrived after all and replaced the corrupt cache.
-    EXPECT_EQ(value(run.dumps[1], "Kesta phone number"), "+44 7700 900123");
+    EXPECT_EQ(rowValue(run.dumps[1], "Kesta phone number"), "+44 7700 900123");
 }
 
 TEST(BadInputE2E, ASwitchKeyDeletedWhileTheListIsOpenTurnsTheSwitchOff) {
@@ -229,35 +217,25 @@ TEST(BadInputE2E, DeviceDaemonAnsweringWithWrongTypesGivesUnknown) {
     SimulatedWatch watch(profileWith([](json &p) { p["deviced"]["wrong_types"] = true; }));
     auto run = watch.drive(kOpenStatus);
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(value(run.dumps.at(0), "Serial number"), "Unknown");
-    EXPECT_EQ(value(run.dumps.at(0), "IMEI"), "352531110123456") << "the other rows carry on";
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), "Unknown");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "IMEI"), "352531110123456") << "the other rows carry on";
     EXPECT_TRUE(logged(watch.platformLog(), "no message : [org.freedesktop.DBus.Error."))
         << watch.platformLog();
 }
 
 TEST(BadInputE2E, WithoutAnyBusThePagesOpenAndSettingsStillChange) {
     SimulatedWatch watch(profileWith([](json &) {}));
-    std::string script = watch.stateDir() + "-nobus.txt";
-    std::ofstream(script) << "tap WDS_ST_MBODY_REPORT_DIAGNOSTIC_AND_USAGE_INFO_ABB\n"
-                             "press WDS_ST_BUTTON_OK_ABB\nwait 200\ndump\n" +
-                                 kOpenStatus;
-    int status = -1;
-    std::string out = watch.sim(
-        "run --profile default -- env DBUS_SYSTEM_BUS_ADDRESS=unix:path=" + watch.stateDir() +
-            "/no-such-bus quillset-drive --script " + script,
-        &status);
-    unlink(script.c_str());
-    EXPECT_EQ(status, 0) << out;
-    std::vector<json> dumps;
-    std::istringstream lines(out);
-    std::string line;
-    while (std::getline(lines, line))
-        if (!line.empty() && line[0] == '{')
-            dumps.push_back(json::parse(line));
-    ASSERT_EQ(dumps.size(), 2u) << out;
+    auto run = watch.drive(
+        "tap WDS_ST_MBODY_REPORT_DIAGNOSTIC_AND_USAGE_INFO_ABB\n"
+        "press WDS_ST_BUTTON_OK_ABB\nwait 200\ndump\n" +
+            kOpenStatus,
+        "DBUS_SYSTEM_BUS_ADDRESS=unix:path=" + watch.stateDir() + "/no-such-bus");
+    EXPECT_EQ(run.status, 0) << run.errors;
+    const std::vector<json> &dumps = run.dumps;
+    ASSERT_EQ(dumps.size(), 2u) << run.errors;
     EXPECT_EQ(rowWithLabel(dumps[0], "Report diagnostic and usage info")["check"], true);
-    EXPECT_EQ(value(dumps[1], "Serial number"), "Unknown");
-    EXPECT_EQ(value(dumps[1], "IMEI"), "352531110123456");
+    EXPECT_EQ(rowValue(dumps[1], "Serial number"), "Unknown");
+    EXPECT_EQ(rowValue(dumps[1], "IMEI"), "352531110123456");
     EXPECT_TRUE(logged(watch.platformLog(), "fail send message"));
 }
 
@@ -277,25 +255,15 @@ TEST(BadInputE2E, MissingLayoutFilesAndColourTableLeaveEmptyFramesThatStillOpen)
     ASSERT_EQ(system(cmd.c_str()), 0);
 
     SimulatedWatch watch(profileWith([](json &p) { p["settings"]["db/csc/country_iso"] = "IN"; }));
-    std::string script = watch.stateDir() + "-nores.txt";
-    std::ofstream(script) << "tap WDS_ST_MBODY_REPORT_DIAGNOSTIC_AND_USAGE_INFO_ABB\ndump\n"
-                             "press WDS_ST_BUTTON_CANCEL\n"
-                             "tap WDS_ST_HEADER_OPEN_SOURCE_LICENCES_ABB\ndump\nback\n"
-                             "tap WDS_ST_HEADER_REGULATORY_INFO_ABB\ndump\nback\ndump\n";
-    int status = -1;
-    std::string out =
-        watch.sim("run --profile " + watch.stateDir() + "-profile.json -- env " +
-                      "QUILLSET_DATA_DIR=" + data + " quillset-drive --script " + script,
-                  &status);
-    unlink(script.c_str());
-    EXPECT_EQ(status, 0) << out;
-    std::vector<json> dumps;
-    std::istringstream lines(out);
-    std::string line;
-    while (std::getline(lines, line))
-        if (!line.empty() && line[0] == '{')
-            dumps.push_back(json::parse(line));
-    ASSERT_EQ(dumps.size(), 4u) << out;
+    auto run = watch.drive(
+        "tap WDS_ST_MBODY_REPORT_DIAGNOSTIC_AND_USAGE_INFO_ABB\ndump\n"
+        "press WDS_ST_BUTTON_CANCEL\n"
+        "tap WDS_ST_HEADER_OPEN_SOURCE_LICENCES_ABB\ndump\nback\n"
+        "tap WDS_ST_HEADER_REGULATORY_INFO_ABB\ndump\nback\ndump\n",
+        "QUILLSET_DATA_DIR=" + data);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    const std::vector<json> &dumps = run.dumps;
+    ASSERT_EQ(dumps.size(), 4u) << run.errors;
     EXPECT_TRUE(dumps[0]["popup"].is_object()) << "the consent popup opens";
     EXPECT_EQ(dumps[1]["page"], "WDS_ST_HEADER_OPEN_SOURCE_LICENCES_ABB");
     EXPECT_EQ(dumps[2]["page"], "WDS_ST_HEADER_REGULATORY_INFO_ABB");

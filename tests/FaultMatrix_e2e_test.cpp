@@ -543,13 +543,6 @@ const std::vector<std::vector<size_t>> &batches() {
     return packed;
 }
 
-std::string readFile(const std::string &path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 // The watch every run starts from: the default watch, sold in India (so the regulatory page
 // exists), with every optional status row and answers that arrive at once.
 json baseProfile() {

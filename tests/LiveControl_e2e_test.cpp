@@ -26,13 +26,6 @@ int indexOf(const json &dump, const std::string &label) {
     return row.is_null() ? -1 : row.at("index").get<int>();
 }
 
-std::string readFile(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 std::string valueOf(const json &dump, int index) {
     json row = rowAt(dump, index);
     return row.is_null() ? "(no row)" : row["texts"].value("elm.text.1", "");

@@ -213,31 +213,32 @@ TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
     };
     Cycler cycler{naviframe, &pages};
     evas_object_smart_callback_add(frame, "transition,finished", Cycler::step, &cycler);
+    struct Measure {
+        long rssKb, heapKb;
+        size_t listeners;
+    };
+    // Runs the cycles, then lets the toolkit finish and the allocator give back what it can.
+    auto runAndMeasure = [this, &cycler](int n) {
+        cycler.run(n);
+        settle(0.1);
+        malloc_trim(0);
+        return Measure{residentKb(), heapInUseKb(), liveListeners()};
+    };
     // Fonts, theme groups and the toolkit's caches fill during the first cycles.
-    cycler.run(warmUp);
+    Measure before = runAndMeasure(warmUp);
     ASSERT_FALSE(cycler.failed);
-    settle(0.1);
-    malloc_trim(0);
-    long rssBefore = residentKb();
-    long heapBefore = heapInUseKb();
-    size_t listenersBefore = liveListeners();
-    cycler.run(cycles);
+    Measure after = runAndMeasure(cycles);
     ASSERT_FALSE(cycler.failed);
-    settle(0.1);
-    malloc_trim(0);
-    long rssAfter = residentKb();
-    long heapAfter = heapInUseKb();
-    size_t listenersAfter = liveListeners();
     printf(
         "push/pop: %d cycles of %zu pages: resident memory %ld kB before, %ld kB after; "
         "heap in use %ld kB before, %ld kB after; live signal listeners %zu before, %zu after\n",
-        cycles, pages.size(), rssBefore, rssAfter, heapBefore, heapAfter, listenersBefore,
-        listenersAfter);
+        cycles, pages.size(), before.rssKb, after.rssKb, before.heapKb, after.heapKb,
+        before.listeners, after.listeners);
     // The main list keeps its three subscriptions; pages keep none once popped.
-    EXPECT_EQ(listenersBefore, 3u);
-    EXPECT_EQ(listenersAfter, listenersBefore);
+    EXPECT_EQ(before.listeners, 3u);
+    EXPECT_EQ(after.listeners, before.listeners);
     if (kMemoryComparable) {
-        EXPECT_LT(rssAfter - rssBefore, 4096) << "memory grows with every push and pop";
+        EXPECT_LT(after.rssKb - before.rssKb, 4096) << "memory grows with every push and pop";
     }
     EXPECT_EQ(naviframe->getViews().size(), 1u);
 }

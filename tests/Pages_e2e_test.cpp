@@ -20,13 +20,6 @@ const std::string kBattery = "Battery information";
 const std::string kRegulatory = "Regulatory information";
 const std::string kLicences = "Open source licences";
 
-std::string readFile(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 // The labels of the main list that come after the storage fact and before the switches.
 std::vector<std::string> pageEntries(const json &dump) {
     std::vector<std::string> labels = rowLabels(dump), entries;

@@ -33,19 +33,6 @@ namespace {
 
 const char *const kDebugKey = "db/setting/debug_mode";
 
-std::string readFile(const std::string &path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-std::string profileWith(const std::function<void(json &)> &edit) {
-    json profile = json::parse(readFile(SimulatedWatch::binDir() + "/../profiles/default.json"));
-    edit(profile);
-    return profile.dump();
-}
-
 // Every value written to the debugging key while it runs, in order, as another process sees
 // each write land.
 class DebugKeyWrites {
@@ -113,7 +100,7 @@ const std::string kTapDebugging = "tap WDS_ST_MBODY_DEBUGGING_ABB\n";
 }  // namespace
 
 TEST(SecurityE2E, OnlyTheConfirmationOkTurnsDebuggingOn) {
-    std::string profile = profileWith([](json &) {});
+    std::string profile = profileWith("default", [](json &) {});
     SimulatedWatch watch(profile);
     seed(watch, profile);
     std::vector<std::string> writes;
@@ -153,7 +140,7 @@ TEST(SecurityE2E, NoEntryPointChangesDebuggingWhileThePolicyRestrictsIt) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
-        std::string profile = profileWith([&c](json &p) {
+        std::string profile = profileWith("default", [&c](json &p) {
             p["settings"][kDebugKey] = c.debugging;
             p["policy"]["allow_usb_debugging"] = c.allowUsbDebugging;
             p["policy"]["change_allowed"] = c.changeAllowed;

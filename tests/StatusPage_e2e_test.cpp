@@ -19,21 +19,6 @@ namespace {
 const std::string kOpen = "tap WDS_ST_TMBODY_DEVICE_INFORMATION\n";
 const std::string kUnknown = "Unknown";
 
-// A shipped profile, changed by edit, as JSON text for a watch of its own.
-std::string profileWith(const std::string &name, const std::function<void(json &)> &edit) {
-    std::ifstream in(SimulatedWatch::binDir() + "/../profiles/" + name + ".json");
-    std::stringstream text;
-    text << in.rdbuf();
-    json profile = json::parse(text.str());
-    edit(profile);
-    return profile.dump();
-}
-
-std::string value(const json &dump, const std::string &label) {
-    json row = rowWithLabel(dump, label);
-    return row.is_null() ? "(no row " + label + ")" : row["texts"].value("elm.text.1", "");
-}
-
 std::vector<std::string> launchedApps(SimulatedWatch &watch) {
     std::vector<std::string> out;
     for (const auto &entry : watch.launches())
@@ -106,32 +91,32 @@ TEST(StatusPageE2E, ProfileValuesReachTheirRows) {
     ASSERT_EQ(run.status, 0) << run.errors;
     const json &screen = run.dumps.at(0);
     // The profile name holds markup characters: the row escapes them so they show as written.
-    EXPECT_EQ(value(screen, "Kesta eSIM profile"),
+    EXPECT_EQ(rowValue(screen, "Kesta eSIM profile"),
               "Kite & Co <Travel>");  // shown literally, tags and all
-    EXPECT_EQ(value(screen, "eID"), "89049032000001000000012345678901");
-    EXPECT_EQ(value(screen, "Kesta phone number"), "+44 7700 900123");
-    EXPECT_EQ(value(screen, "IMEI"), "352531110123456");
-    EXPECT_EQ(value(screen, "ICCID"), "8944110012345678901");
-    EXPECT_EQ(value(screen, "Wi-Fi MAC address"), "a0:b1:c2:d3:e4:f6");
-    EXPECT_EQ(value(screen, "Bluetooth address"), "A0:B1:C2:D3:E4:F5");
+    EXPECT_EQ(rowValue(screen, "eID"), "89049032000001000000012345678901");
+    EXPECT_EQ(rowValue(screen, "Kesta phone number"), "+44 7700 900123");
+    EXPECT_EQ(rowValue(screen, "IMEI"), "352531110123456");
+    EXPECT_EQ(rowValue(screen, "ICCID"), "8944110012345678901");
+    EXPECT_EQ(rowValue(screen, "Wi-Fi MAC address"), "a0:b1:c2:d3:e4:f6");
+    EXPECT_EQ(rowValue(screen, "Bluetooth address"), "A0:B1:C2:D3:E4:F5");
     // Without the carrier's feature the daemon's whole text is the serial number.
-    EXPECT_EQ(value(screen, "Serial number"), "R9WT40ABCDE,3546201");
+    EXPECT_EQ(rowValue(screen, "Serial number"), "R9WT40ABCDE,3546201");
 
     SimulatedWatch noModem("bt-only");
     run = noModem.drive(kOpen + "dump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
     for (const char *label : {"Kesta phone number", "IMEI", "IMEI SV", "ICCID"})
-        EXPECT_EQ(value(run.dumps.at(0), label), kUnknown) << label;
+        EXPECT_EQ(rowValue(run.dumps.at(0), label), kUnknown) << label;
     EXPECT_NE(noModem.platformLog().find("tel init error!!"), std::string::npos);
 
     SimulatedWatch cdma("cdma");
     run = cdma.drive(kOpen + "dump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(value(run.dumps.at(0), "PRL"), "58023");
-    EXPECT_EQ(value(run.dumps.at(0), "ERI"), "ERI 6");
-    EXPECT_EQ(value(run.dumps.at(0), "MEID"), "A10000009296F2");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "PRL"), "58023");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "ERI"), "ERI 6");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "MEID"), "A10000009296F2");
     // The US carrier code cuts the serial text at its first comma.
-    EXPECT_EQ(value(run.dumps.at(0), "Serial number"), "R9WT40ABCDE");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), "R9WT40ABCDE");
 }
 
 TEST(StatusPageE2E, AsynchronousAnswersChangeTheirRowsInPlace) {
@@ -140,15 +125,15 @@ TEST(StatusPageE2E, AsynchronousAnswersChangeTheirRowsInPlace) {
     ASSERT_EQ(run.status, 0) << run.errors;
     const json &before = run.dumps.at(0);
     const json &after = run.dumps.at(1);
-    EXPECT_EQ(value(before, "Kesta eSIM profile"), "None");
-    EXPECT_EQ(value(before, "eID"), kUnknown);
-    EXPECT_EQ(value(before, "Kesta phone number"), kUnknown);
+    EXPECT_EQ(rowValue(before, "Kesta eSIM profile"), "None");
+    EXPECT_EQ(rowValue(before, "eID"), kUnknown);
+    EXPECT_EQ(rowValue(before, "Kesta phone number"), kUnknown);
     // Before the profiles are known the ICCID is not asked for.
-    EXPECT_EQ(value(before, "ICCID"), kUnknown);
-    EXPECT_EQ(value(after, "Kesta eSIM profile"),
+    EXPECT_EQ(rowValue(before, "ICCID"), kUnknown);
+    EXPECT_EQ(rowValue(after, "Kesta eSIM profile"),
               "Kite & Co <Travel>");  // shown literally, tags and all
-    EXPECT_EQ(value(after, "eID"), "89049032000001000000012345678901");
-    EXPECT_EQ(value(after, "Kesta phone number"), "+44 7700 900123");
+    EXPECT_EQ(rowValue(after, "eID"), "89049032000001000000012345678901");
+    EXPECT_EQ(rowValue(after, "Kesta phone number"), "+44 7700 900123");
     EXPECT_EQ(after["depth"], 2);
     // The number is kept for the next start.
     EXPECT_EQ(watch.sim("get db/setting/selected_num"), "+447700900123\n");
@@ -169,13 +154,13 @@ TEST(StatusPageE2E, SimRefreshAndEsimEventsUpdateTheOpenPage) {
                     "\nsim event esim 0 1 --profiles " + ignored + "\nwait 2500\ndump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
     ASSERT_EQ(run.dumps.size(), 4u);
-    EXPECT_EQ(value(run.dumps[0], "Kesta phone number"), "+44 7700 900123");
-    EXPECT_EQ(value(run.dumps[1], "Kesta phone number"), "+44 7700 900999");
-    EXPECT_EQ(value(run.dumps[1], "Kesta eSIM profile"),
+    EXPECT_EQ(rowValue(run.dumps[0], "Kesta phone number"), "+44 7700 900123");
+    EXPECT_EQ(rowValue(run.dumps[1], "Kesta phone number"), "+44 7700 900999");
+    EXPECT_EQ(rowValue(run.dumps[1], "Kesta eSIM profile"),
               "Kite & Co <Travel>");  // shown literally, tags and all
-    EXPECT_EQ(value(run.dumps[2], "Kesta eSIM profile"), "Roam Away");
+    EXPECT_EQ(rowValue(run.dumps[2], "Kesta eSIM profile"), "Roam Away");
     // Other events ask for nothing: the new list is never fetched.
-    EXPECT_EQ(value(run.dumps[3], "Kesta eSIM profile"), "Roam Away");
+    EXPECT_EQ(rowValue(run.dumps[3], "Kesta eSIM profile"), "Roam Away");
 }
 
 TEST(StatusPageE2E, KoreanCarrierShowsNationalNumberSplitIccidSerialAndBarcode) {
@@ -183,12 +168,12 @@ TEST(StatusPageE2E, KoreanCarrierShowsNationalNumberSplitIccidSerialAndBarcode) 
     auto run = watch.drive(kOpen + "dump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
     const json &screen = run.dumps.at(0);
-    EXPECT_EQ(value(screen, "Kesta phone number"), "010-1234-5678");
-    EXPECT_EQ(value(screen, "ICCID"), "898205 0123456789012F");
-    EXPECT_EQ(value(screen, "Serial number"), "R9WT40KTO01");
-    EXPECT_EQ(value(screen, "Barcode number"), "8806090123456");
-    EXPECT_EQ(value(screen, "Hardware version"), "REV0.6");
-    EXPECT_EQ(value(screen, "IMS registration status"), "On");
+    EXPECT_EQ(rowValue(screen, "Kesta phone number"), "010-1234-5678");
+    EXPECT_EQ(rowValue(screen, "ICCID"), "898205 0123456789012F");
+    EXPECT_EQ(rowValue(screen, "Serial number"), "R9WT40KTO01");
+    EXPECT_EQ(rowValue(screen, "Barcode number"), "8806090123456");
+    EXPECT_EQ(rowValue(screen, "Hardware version"), "REV0.6");
+    EXPECT_EQ(rowValue(screen, "IMS registration status"), "On");
 }
 
 TEST(StatusPageE2E, SerialRowTapsOpenTheKeyStringServiceOnlyFiveInARow) {
@@ -234,14 +219,14 @@ TEST(StatusPageE2E, AbsentSilentOrLateDeviceDaemonNeverHangsThePage) {
     SimulatedWatch absent(profileWith("default", [](json &p) { p["deviced"]["present"] = false; }));
     auto run = absent.drive(kOpen + "dump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(value(run.dumps.at(0), "Serial number"), kUnknown);
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), kUnknown);
     EXPECT_NE(absent.platformLog().find("fail send message"), std::string::npos);
 
     SimulatedWatch empty(profileWith("kr-carrier", [](json &p) { p["deviced"]["serial"] = ""; }));
     run = empty.drive(kOpen + "dump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(value(run.dumps.at(0), "Serial number"), kUnknown);
-    EXPECT_EQ(value(run.dumps.at(0), "Barcode number"), kUnknown);
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), kUnknown);
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Barcode number"), kUnknown);
     EXPECT_NE(empty.platformLog().find("no serial info is returned."), std::string::npos);
 
     SimulatedWatch late(profileWith("kr-carrier", [](json &p) {
@@ -250,13 +235,13 @@ TEST(StatusPageE2E, AbsentSilentOrLateDeviceDaemonNeverHangsThePage) {
     }));
     run = late.drive(kOpen + "dump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(value(run.dumps.at(0), "Serial number"), "A");
-    EXPECT_EQ(value(run.dumps.at(0), "Barcode number"), "C");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), "A");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Barcode number"), "C");
 
     SimulatedWatch noComma(
         profileWith("kr-carrier", [](json &p) { p["deviced"]["serial"] = "SN1"; }));
     run = noComma.drive(kOpen + "dump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(value(run.dumps.at(0), "Serial number"), "SN1");
-    EXPECT_EQ(value(run.dumps.at(0), "Barcode number"), kUnknown);
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), "SN1");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Barcode number"), kUnknown);
 }

@@ -13,6 +13,8 @@
 #include <cstring>
 #include <string>
 
+#include "StatePaths.h"
+
 namespace {
 
 const int kScreenSize = 360;
@@ -126,17 +128,6 @@ void keyDownCb(void *, Evas *, Evas_Object *, void *eventInfo) {
         elm_exit();
 }
 
-std::string dataDir() {
-    char path[PATH_MAX];
-    ssize_t n = readlink("/proc/self/exe", path, sizeof(path) - 1);
-    if (n <= 0)
-        return ".";
-    path[n] = '\0';
-    std::string dir(path);
-    dir = dir.substr(0, dir.rfind('/'));
-    return dir.substr(0, dir.rfind('/'));
-}
-
 }  // namespace
 
 int main(int argc, char *argv[]) {
@@ -145,7 +136,7 @@ int main(int argc, char *argv[]) {
         setlocale(LC_ALL, "C.UTF-8");
     setenv("ELM_SCALE", "1.3", 0);
     elm_init(argc, argv);
-    std::string theme = dataDir() + "/platform/watch-theme.edj";
+    std::string theme = sim::dataDir() + "/platform/watch-theme.edj";
     elm_theme_overlay_add(nullptr, theme.c_str());
     elm_app_base_scale_set(1.3);
 

@@ -82,17 +82,24 @@ std::string libDir() {
     return sim::dataDir() + "/lib";
 }
 
+// Starts the side's program and waits for its first frame; the fields of its "ready" line.
+std::vector<std::string> startUntilReady(const Side &side, StBenchChild *child) {
+    std::string error;
+    if (!child->start({side.program}, side.env, &error))
+        die(side.name + ": " + error);
+    std::vector<std::string> fields;
+    if (!child->waitFor({"ready"}, &fields, &error))
+        die(side.name + ": " + error);
+    return fields;
+}
+
 // One cold start and the tour of every page, then the program is told to quit.
 void runTour(Side &side, bool record) {
     StBenchChild child;
-    std::string error;
-    if (!child.start({side.program}, side.env, &error))
-        die(side.name + ": " + error);
-    std::vector<std::string> fields;
-    if (!child.waitFor({"ready"}, &fields, &error))
-        die(side.name + ": " + error);
+    std::vector<std::string> fields = startUntilReady(side, &child);
     double coldMs = (std::stod(fields[1]) - static_cast<double>(child.startTime())) / 1e6;
     double firstFrameRssMb = std::stod(fields[2]) / 1024.0;
+    std::string error;
     std::map<std::string, double> pushes;
     for (const Page &page : kPages) {
         child.send(std::string("tap ") + (side.app ? page.appLabel : page.baselineLabel));
@@ -120,12 +127,8 @@ void runTour(Side &side, bool record) {
 // A cold start alone: the program quits at its first frame.
 void runColdStart(Side &side) {
     StBenchChild child;
+    std::vector<std::string> fields = startUntilReady(side, &child);
     std::string error;
-    if (!child.start({side.program}, side.env, &error))
-        die(side.name + ": " + error);
-    std::vector<std::string> fields;
-    if (!child.waitFor({"ready"}, &fields, &error))
-        die(side.name + ": " + error);
     side.coldStartMs.add((std::stod(fields[1]) - static_cast<double>(child.startTime())) / 1e6);
     child.send("quit");
     if (!child.finish(nullptr, &error))

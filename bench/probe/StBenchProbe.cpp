@@ -12,6 +12,11 @@
 #include <ctime>
 #include <functional>
 
+#include "EvasTree.h"
+
+using evas_tree::findByType;
+using evas_tree::isType;
+
 namespace {
 
 // Rows and pages settle (scrolling, transitions) before the next step is taken.
@@ -27,31 +32,6 @@ int64_t now() {
 int envInt(const char *name, int fallback) {
     const char *value = getenv(name);
     return value && *value ? atoi(value) : fallback;
-}
-
-bool isType(Evas_Object *obj, const char *type) {
-    const char *t = obj ? evas_object_type_get(obj) : nullptr;
-    return t && !strcmp(t, type);
-}
-
-Evas_Object *findByType(Evas_Object *obj, const char *type, int depth = 0) {
-    if (!obj || depth > 12)
-        return nullptr;
-    if (isType(obj, type))
-        return obj;
-    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
-        return nullptr;
-    Eina_List *children = evas_object_smart_members_get(obj);
-    Evas_Object *found = nullptr;
-    Eina_List *l;
-    void *child;
-    EINA_LIST_FOREACH(children, l, child) {
-        found = findByType(static_cast<Evas_Object *>(child), type, depth + 1);
-        if (found)
-            break;
-    }
-    eina_list_free(children);
-    return found;
 }
 
 bool hasRealizedRows(Evas_Object *list) {

@@ -12,13 +12,6 @@
 
 namespace {
 
-std::string readAll(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 std::string quote(const std::string &text) {
     std::string quoted = "'";
     for (char c : text)
@@ -41,6 +34,21 @@ std::vector<nlohmann::json> jsonLines(const std::string &text) {
 }
 
 }  // namespace
+
+std::string readFile(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string profileWith(const std::string &name,
+                        const std::function<void(nlohmann::json &)> &edit) {
+    nlohmann::json profile = nlohmann::json::parse(
+        readFile(SimulatedWatch::binDir() + "/../profiles/" + name + ".json"));
+    edit(profile);
+    return profile.dump();
+}
 
 std::string SimulatedWatch::binDir() {
     return sim::dataDir() + "/bin";
@@ -65,20 +73,21 @@ SimulatedWatch::~SimulatedWatch() {
         fprintf(stderr, "could not remove %s\n", _state.c_str());
 }
 
-SimulatedWatch::Result SimulatedWatch::drive(const std::string &script) {
+SimulatedWatch::Result SimulatedWatch::drive(const std::string &script,
+                                             const std::string &driverEnv) {
     std::string scriptPath = _state + "-script.txt";
     std::ofstream(scriptPath) << script;
     std::string out = _state + "-out.txt", err = _state + "-err.txt";
     // The watch keeps no bus in the environment of the test itself.
-    std::string cmd = "env -u DBUS_SYSTEM_BUS_ADDRESS -u QUILLSET_STATE " +
-                      quote(binDir() + "/quillset-sim") + " run --profile " + quote(_profile) +
-                      " --state " + quote(_state) + " -- quillset-drive --script " +
-                      quote(scriptPath) + " >" + quote(out) + " 2>" + quote(err);
+    std::string cmd =
+        "env -u DBUS_SYSTEM_BUS_ADDRESS -u QUILLSET_STATE " + quote(binDir() + "/quillset-sim") +
+        " run --profile " + quote(_profile) + " --state " + quote(_state) + " -- env " + driverEnv +
+        " quillset-drive --script " + quote(scriptPath) + " >" + quote(out) + " 2>" + quote(err);
     Result result;
     int status = system(cmd.c_str());
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    result.dumps = jsonLines(readAll(out));
-    result.errors = readAll(err);
+    result.dumps = jsonLines(readFile(out));
+    result.errors = readFile(err);
     unlink(scriptPath.c_str());
     unlink(out.c_str());
     unlink(err.c_str());
@@ -93,7 +102,7 @@ std::string SimulatedWatch::sim(const std::string &args, int *status) {
     int rc = system(cmd.c_str());
     if (status)
         *status = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
-    std::string text = readAll(out);
+    std::string text = readFile(out);
     unlink(out.c_str());
     return text;
 }
@@ -107,7 +116,7 @@ std::vector<nlohmann::json> SimulatedWatch::launches() {
 }
 
 std::string SimulatedWatch::platformLog() {
-    return readAll(_state + "/platform.log");
+    return readFile(_state + "/platform.log");
 }
 
 std::vector<std::string> rowLabels(const nlohmann::json &dump) {
@@ -122,4 +131,9 @@ nlohmann::json rowWithLabel(const nlohmann::json &dump, const std::string &label
         if (item["texts"].value("elm.text", "") == label)
             return item;
     return nullptr;
+}
+
+std::string rowValue(const nlohmann::json &dump, const std::string &label) {
+    nlohmann::json row = rowWithLabel(dump, label);
+    return row.is_null() ? "(no row " + label + ")" : row["texts"].value("elm.text.1", "");
 }

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,9 @@ public:
         std::string errors;  // the driver's and the platform's stderr
     };
 
-    // Runs the driver with the script on the watch (a fresh start of the application).
-    Result drive(const std::string &script);
+    // Runs the driver with the script on the watch (a fresh start of the application);
+    // driverEnv ("NAME=value ...") is added to the driver's environment inside the watch.
+    Result drive(const std::string &script, const std::string &driverEnv = "");
     // Runs quillset-sim with args against this watch; returns its stdout.
     std::string sim(const std::string &args, int *status = nullptr);
     std::vector<nlohmann::json> usage();
@@ -36,9 +38,16 @@ private:
     std::string _state;
 };
 
+// The whole file, or "" when it cannot be read.
+std::string readFile(const std::string &path);
+// A shipped device profile, changed by edit, as JSON text for a watch of its own.
+std::string profileWith(const std::string &name, const std::function<void(nlohmann::json &)> &edit);
+
 // Texts of a dump's rows, "elm.text" only, in list order.
 std::vector<std::string> rowLabels(const nlohmann::json &dump);
 // The row whose label is text, or null.
 nlohmann::json rowWithLabel(const nlohmann::json &dump, const std::string &label);
+// The value text of the row whose label is text, or "(no row LABEL)".
+std::string rowValue(const nlohmann::json &dump, const std::string &label);
 
 #endif

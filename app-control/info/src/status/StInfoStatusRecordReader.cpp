@@ -1,31 +1,9 @@
 #include "StInfoStatusRecordReader.h"
 
-#include <cstddef>
 #include <cstdio>
 #include <cstring>
 
 namespace {
-
-// The offsets the telephony service's records are read at.
-static_assert(offsetof(TelMiscVersionInformation, szHwVersion) == 33, "hardware version");
-static_assert(offsetof(TelMiscVersionInformation, szPrlVersion) == 147, "PRL version");
-static_assert(offsetof(TelMiscVersionInformation, szEriVersion) == 199, "ERI version");
-static_assert(offsetof(TelMiscSNInformation, szMeid) == 32, "MEID");
-static_assert(offsetof(TelMiscSNInformation, szImei) == 64, "IMEI");
-static_assert(offsetof(TelMiscSNInformation, szImeiSv) == 96, "IMEI SV");
-static_assert(offsetof(TelSimMsisdnList_t, count) == 0, "MSISDN count");
-static_assert(offsetof(TelSimMsisdnList_t, list) == 4, "first MSISDN");
-static_assert(offsetof(TelSimIccIdRecord_t, icc_length) == 0, "ICCID length");
-static_assert(offsetof(TelSimIccIdRecord_t, icc_num) == 4, "ICCID text");
-static_assert(sizeof(TelSimIccIdRecord_t) == 5124, "ICCID record");
-
-// And those of the eSIM service's profile list.
-static_assert(offsetof(esim_profile_list_s, count) == 0, "profile count");
-static_assert(offsetof(esim_profile_list_s, profiles) == 16, "first profile");
-static_assert(sizeof(esim_profile_s) == 32, "profile entry");
-static_assert(offsetof(esim_profile_s, name) == 0, "profile name");
-static_assert(offsetof(esim_profile_s, kind) == 8, "profile kind");
-static_assert(offsetof(esim_profile_s, state) == 12, "profile state");
 
 // Carriers that show the ICCID split after the sixth digit and closed with an F.
 const char *const kSplitIccidSalesCodes[] = {"SKC", "SKO", "KTC", "KTO", "LUC", "LUO"};
