@@ -40,7 +40,7 @@ TEST(AboutListE2E, DefaultWatchListsItsFactsSwitchesAndLinksInOrder) {
                   "Nerova Tessid Privacy Notice", kDebugging, "Looking for this?", "Reset Kesta"}));
     EXPECT_EQ(screen["items"][0]["style"], "title");
     EXPECT_FALSE(screen["items"][0]["selectable"].get<bool>());
-    EXPECT_EQ(rowWithLabel(screen, "Model number")["texts"]["elm.text.1"], "QX-R925");
+    EXPECT_EQ(rowWithLabel(screen, "Model number")["texts"]["elm.text.1"], "QX-M480");
     EXPECT_EQ(rowWithLabel(screen, "Storage")["texts"]["elm.text.1"], "1.25GB / 4.0GB");
     EXPECT_EQ(rowWithLabel(screen, kConsent)["check"], false);
     EXPECT_EQ(rowWithLabel(screen, kDebugging)["check"], false);

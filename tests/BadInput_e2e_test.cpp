@@ -57,8 +57,8 @@ void writeText(const std::string &path, const std::string &text) {
 TEST(BadInputE2E, MarkupCharactersInDeviceValuesShowLiterally) {
     SimulatedWatch watch(profileWith([](json &p) {
         p["esim"]["profiles"][0]["name"] = "<b>AT&T</b>";
-        p["system_info"]["platform"]["system/model_name"] = "QX<br>R925 & co";
-        p["system_info"]["platform"]["system/build.string"] = "R925<i>XX</i>";
+        p["system_info"]["platform"]["system/model_name"] = "QX<br>M480 & co";
+        p["system_info"]["platform"]["system/build.string"] = "M480<i>EU</i>";
         p["system_info"]["vendor"]["tizen/feature/tessid.vimo.version"] = "1.4 &amp; 2";
         p["system_info"]["vendor"]["tizen/system/battery_capacity"] = "<361>mAh";
     }));
@@ -67,9 +67,9 @@ TEST(BadInputE2E, MarkupCharactersInDeviceValuesShowLiterally) {
                            "tap WDS_ST_TMBODY_BATTERY_INFORMATION\ndump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
     ASSERT_EQ(run.dumps.size(), 5u);
-    EXPECT_EQ(rowValue(run.dumps[0], "Model number"), "QX<br>R925 & co");
+    EXPECT_EQ(rowValue(run.dumps[0], "Model number"), "QX<br>M480 & co");
     EXPECT_EQ(rowValue(run.dumps[1], "Kesta eSIM profile"), "<b>AT&T</b>") << "tags stay visible";
-    EXPECT_EQ(rowValue(run.dumps[2], "Software version"), "R925<i>XX</i>");
+    EXPECT_EQ(rowValue(run.dumps[2], "Software version"), "M480<i>EU</i>");
     EXPECT_EQ(rowValue(run.dumps[3], "VIMO"), "1.4 &amp; 2");
     EXPECT_EQ(rowValue(run.dumps[4], "Battery capacity"), "<361>mAh");
 }
@@ -218,7 +218,7 @@ TEST(BadInputE2E, DeviceDaemonAnsweringWithWrongTypesGivesUnknown) {
     auto run = watch.drive(kOpenStatus);
     ASSERT_EQ(run.status, 0) << run.errors;
     EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), "Unknown");
-    EXPECT_EQ(rowValue(run.dumps.at(0), "IMEI"), "352531110123456") << "the other rows carry on";
+    EXPECT_EQ(rowValue(run.dumps.at(0), "IMEI"), "004801001234563") << "the other rows carry on";
     EXPECT_TRUE(logged(watch.platformLog(), "no message : [org.freedesktop.DBus.Error."))
         << watch.platformLog();
 }
@@ -235,7 +235,7 @@ TEST(BadInputE2E, WithoutAnyBusThePagesOpenAndSettingsStillChange) {
     ASSERT_EQ(dumps.size(), 2u) << run.errors;
     EXPECT_EQ(rowWithLabel(dumps[0], "Report diagnostic and usage info")["check"], true);
     EXPECT_EQ(rowValue(dumps[1], "Serial number"), "Unknown");
-    EXPECT_EQ(rowValue(dumps[1], "IMEI"), "352531110123456");
+    EXPECT_EQ(rowValue(dumps[1], "IMEI"), "004801001234563");
     EXPECT_TRUE(logged(watch.platformLog(), "fail send message"));
 }
 

@@ -253,7 +253,7 @@ TEST_F(CommonServicesTest, ModelNumberGainsTheCarrierLetterOnlyForItsModel) {
     };
     for (Case c : {Case{"QX-M480", "SKO", "QX-M480S"}, Case{"QX-M480", "LUC", "QX-M480L"},
                    Case{"QX-M480", "", "QX-M480"}, Case{"QX-M480", "XEU", "QX-M480"},
-                   Case{"QX-R925", "KTO", "QX-R925"}}) {
+                   Case{"QX-M490", "KTO", "QX-M490"}}) {
         writeProfile(std::string(R"({"system_info": {"platform": {"system/model_name": ")") +
                      c.model + "\"}}}");
         vconf_set_str("db/csc/salescode", c.salesCode);

@@ -360,7 +360,7 @@ const std::vector<FailurePoint> &failurePoints() {
          -5,
          'E',
          nullptr,
-         {{"status/Barcode number", kAbsent}, {"status/Serial number", "R9WT40ABCDE,3546201"}}},
+         {{"status/Barcode number", kAbsent}, {"status/Serial number", "NV480Q0A1B2C,3546201"}}},
         {"wifi_manager_initialize",
          nullptr,
          -5,
@@ -726,10 +726,10 @@ class FaultMatrix : public ::testing::TestWithParam<size_t> {};
 TEST(FaultMatrixBaseline, TheWatchWithoutFaultsShowsEveryScreen) {
     const WatchRun &run = baseline();
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(run.cells.at("main/Model number"), "QX-R925");
+    EXPECT_EQ(run.cells.at("main/Model number"), "QX-M480");
     EXPECT_EQ(run.cells.at("main2/Debugging/check"), "true");
     EXPECT_EQ(run.cells.at("main2/" + kConsent + "/check"), "true");
-    EXPECT_EQ(run.cells.at("status/eID"), "89049032000001000000012345678901");
+    EXPECT_EQ(run.cells.at("status/eID"), "89000480000001000000012345678901");
     EXPECT_EQ(run.cells.at("status/Barcode number"), "3546201");
     EXPECT_EQ(run.cells.at("security/VIMO"), "1.4.2");
     EXPECT_EQ(run.cells.at("battery/Rated"), "3.85V; 300mA");

@@ -97,9 +97,9 @@ TEST(PagesE2E, SoftwarePageShowsTheProfileAndFiveTapsTurnDeveloperModeOn) {
               (std::vector<std::string>{kSoftware, "Tizen version", "Software version",
                                         "Tessid version", "Tessid Configure", "Security status"}));
     EXPECT_EQ(rowWithLabel(page, "Tizen version")["texts"]["elm.text.1"], "6.0");
-    EXPECT_EQ(rowWithLabel(page, "Software version")["texts"]["elm.text.1"], "R925XXU1BWK3");
+    EXPECT_EQ(rowWithLabel(page, "Software version")["texts"]["elm.text.1"], "M480-EU-3.2.0611");
     EXPECT_EQ(rowWithLabel(page, "Security status")["texts"]["elm.text.1"],
-              "SEPF_SM-R925_6.0_0047");
+              "TSP-M480-7.1-r12");
     EXPECT_EQ(run.dumps[1]["toast"], nullptr);
     // The fifth counted tap.
     EXPECT_EQ(run.dumps[2]["toast"], "developer mode turned on");

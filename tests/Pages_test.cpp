@@ -149,17 +149,17 @@ protected:
 
 TEST_F(PagesTest, SoftwareVersionIsTheBuildUnlessANonEmptyApprovalVersionReplacesIt) {
     const std::string build =
-        R"({"system_info": {"platform": {"system/build.string": "R925XXU1"}})";
+        R"({"system_info": {"platform": {"system/build.string": "M480-EU-3.2"}})";
     writeProfile(build + "}");
-    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "R925XXU1");
+    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "M480-EU-3.2");
     writeProfile(build + R"(, "csc": {"approval_version": ""}})");
-    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "R925XXU1");
-    writeProfile(build + R"(, "csc": {"approval_version": "R925OXM1BWL2"}})");
-    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "R925OXM1BWL2");
+    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "M480-EU-3.2");
+    writeProfile(build + R"(, "csc": {"approval_version": "M480-XM-3.2.0702"}})");
+    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "M480-XM-3.2.0702");
     // A failing configuration service falls back to the build without a word.
-    writeProfile(build + R"(, "csc": {"approval_version": "R925OXM1BWL2"},
+    writeProfile(build + R"(, "csc": {"approval_version": "M480-XM-3.2.0702"},
         "faults": [{"call": "csc_svc_config_get_approval_version", "code": -5}]})");
-    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "R925XXU1");
+    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "M480-EU-3.2");
     EXPECT_EQ(logSinceStart().find("Critical"), std::string::npos);
 }
 
@@ -174,8 +174,8 @@ TEST_F(PagesTest, MissingSoftwareValuesAreUnknownAndLogged) {
     EXPECT_NE(log.find("Setting - Software Version name does not exist![-"), std::string::npos);
     EXPECT_NE(log.find("Setting - Tizen Version name does not exist![-"), std::string::npos);
     EXPECT_NE(log.find("Vconf value error!"), std::string::npos);
-    vconf_set_str("db/smack/spd_installed_policy_version", "SEPF_0047");
-    EXPECT_EQ(model->getSecurityStatus(), "SEPF_0047");
+    vconf_set_str("db/smack/spd_installed_policy_version", "TSP-7.1-r12");
+    EXPECT_EQ(model->getSecurityStatus(), "TSP-7.1-r12");
 }
 
 // Security-platform model and rows
@@ -292,7 +292,7 @@ class SoftwarePageTest : public PagesTest {
 protected:
     void SetUp() override {
         PagesTest::SetUp();
-        writeProfile(R"({"system_info": {"platform": {"system/build.string": "R925XXU1",
+        writeProfile(R"({"system_info": {"platform": {"system/build.string": "M480-EU-3.2",
                          "feature/platform.version": "6.0"}},
                          "packages": {"com.nerova.tessid.ravelclient": {}}})");
         vconf_set_bool(kDeveloperOption, 0);
@@ -314,7 +314,7 @@ TEST_F(SoftwarePageTest, RowsFollowTheProfileInOrder) {
     EXPECT_EQ(textOf(_rows[1], "elm.text"), "Tizen version");
     EXPECT_EQ(textOf(_rows[1], "elm.text.1"), "6.0");
     EXPECT_EQ(textOf(_rows[2], "elm.text"), "Software version");
-    EXPECT_EQ(textOf(_rows[2], "elm.text.1"), "R925XXU1");
+    EXPECT_EQ(textOf(_rows[2], "elm.text.1"), "M480-EU-3.2");
     EXPECT_EQ(textOf(_rows[3], "elm.text"), "Tessid version");
     EXPECT_EQ(textOf(_rows[3], "elm.text.1"), "(none)");
     EXPECT_EQ(textOf(_rows[4], "elm.text"), "Tessid Configure");

@@ -90,7 +90,7 @@ protected:
 TEST_F(StInfoStatusMenuItemTest, AsynchronousRowsChangeInPlaceAndEscapeMarkup) {
     writeProfile(R"({"system_info": {"vendor": {"tizen/feature/esim.phase": 1}},
         "telephony": {"modem": true}, "sim": {"msisdn": "+447700900123"},
-        "esim": {"eid": "8904903200000100", "profiles": [
+        "esim": {"eid": "8900048000000100", "profiles": [
             {"name": "Kite & Co <Travel>", "kind": 2, "state": 1}]},
         "latency": {"msisdn_ms": 100, "esim_profile_list_ms": 100, "esim_eid_ms": 100}})");
     vconf_set_str("db/setting/selected_num", "");
@@ -114,11 +114,11 @@ TEST_F(StInfoStatusMenuItemTest, AsynchronousRowsChangeInPlaceAndEscapeMarkup) {
     ASSERT_TRUE(runUntil([&]() { return eidArrived && text(phone, "elm.text.1") != "Unknown"; }));
     settle(0.1);
     EXPECT_EQ(text(profile, "elm.text.1"), "Kite &amp; Co &lt;Travel&gt;");
-    EXPECT_EQ(text(eid, "elm.text.1"), "8904903200000100");
+    EXPECT_EQ(text(eid, "elm.text.1"), "8900048000000100");
     EXPECT_EQ(text(phone, "elm.text.1"), "+44 7700 900123");
     EXPECT_EQ(text(phone, "elm.text.2"), "(none)");
     // The list redrew them in place: the drawn texts are the new ones.
-    EXPECT_TRUE(drawn("8904903200000100"));
+    EXPECT_TRUE(drawn("8900048000000100"));
     EXPECT_TRUE(drawn("+44 7700 900123"));
     EXPECT_TRUE(drawn("Kite &amp; Co &lt;Travel&gt;"));
     EXPECT_FALSE(drawn("None"));

@@ -19,7 +19,7 @@ namespace {
 const std::string kUnknown = ST_UNKNOWN_TEXT;
 
 const char *const kModem = R"("telephony": {"modem": true, "hw_version": "REV1.0",
-    "imei": "352531110123456", "imei_sv": "01", "meid": "", "prl_version": "58023",
+    "imei": "004801001234563", "imei_sv": "01", "meid": "", "prl_version": "58023",
     "eri_version": "", "volte_enable": 1})";
 
 class StInfoStatusModelTest : public EflTest {
@@ -49,7 +49,7 @@ TEST_F(StInfoStatusModelTest, ModemRecordsGiveIdentifiersAndEmptyFieldsGiveUnkno
     StInfoStatusModel *model = StInfoStatusModel::getInstance();
     EXPECT_EQ(model->getHwVersionInfo(), "REV1.0");
     EXPECT_TRUE(logHas("HwVersion='REV1.0'"));
-    EXPECT_EQ(model->getImeiInfo(), "352531110123456");
+    EXPECT_EQ(model->getImeiInfo(), "004801001234563");
     EXPECT_EQ(model->getImeiSvInfo(), "01");
     EXPECT_EQ(model->getMeIdInfo(), kUnknown);
     EXPECT_EQ(model->getPrlInfo(), "58023");
@@ -178,7 +178,7 @@ TEST_F(StInfoStatusModelTest, EsimProfilesAndEidArriveAndTheIccidWaitsForAnEnabl
     writeProfile(std::string(kModem) + R"(,
         "system_info": {"vendor": {"tizen/feature/esim.phase": 1}},
         "sim": {"msisdn": "", "iccid": "8944110012345678901"},
-        "esim": {"eid": "89049032000001000000012345678901", "profiles": [
+        "esim": {"eid": "89000480000001000000012345678901", "profiles": [
             {"name": "Off one", "kind": 2, "state": 0},
             {"name": "Data only", "kind": 1, "state": 1},
             {"name": "Kite & Co <Travel>", "kind": 2, "state": 1}]},
@@ -193,7 +193,7 @@ TEST_F(StInfoStatusModelTest, EsimProfilesAndEidArriveAndTheIccidWaitsForAnEnabl
     EXPECT_EQ(model->getIccidInfo(), kUnknown);
     ASSERT_TRUE(runUntil([&]() { return profiles > 0 && eids > 0; }, 3.0));
     EXPECT_EQ(model->getEnabledEsimName(), "Kite & Co <Travel>");
-    EXPECT_EQ(model->getEid(), "89049032000001000000012345678901");
+    EXPECT_EQ(model->getEid(), "89000480000001000000012345678901");
     EXPECT_EQ(model->getIccidInfo(), "8944110012345678901");
 }
 
@@ -314,7 +314,7 @@ TEST_F(StInfoStatusModelTest, TeardownClosesTheModemAndLogsWhenItWillNotClose) {
     // The next model starts afresh; this one's modem refuses to close.
     writeProfile(std::string(kModem) + R"(, "faults": [{"call": "tel_deinit", "code": -1}])");
     model = StInfoStatusModel::getInstance();
-    EXPECT_EQ(model->getImeiInfo(), "352531110123456");
+    EXPECT_EQ(model->getImeiInfo(), "004801001234563");
     delete model;
     EXPECT_TRUE(logHas("tel deinit error!!"));
     EXPECT_NE(StInfoStatusModel::getInstance(), nullptr);

@@ -93,14 +93,14 @@ TEST(StatusPageE2E, ProfileValuesReachTheirRows) {
     // The profile name holds markup characters: the row escapes them so they show as written.
     EXPECT_EQ(rowValue(screen, "Kesta eSIM profile"),
               "Kite & Co <Travel>");  // shown literally, tags and all
-    EXPECT_EQ(rowValue(screen, "eID"), "89049032000001000000012345678901");
+    EXPECT_EQ(rowValue(screen, "eID"), "89000480000001000000012345678901");
     EXPECT_EQ(rowValue(screen, "Kesta phone number"), "+44 7700 900123");
-    EXPECT_EQ(rowValue(screen, "IMEI"), "352531110123456");
+    EXPECT_EQ(rowValue(screen, "IMEI"), "004801001234563");
     EXPECT_EQ(rowValue(screen, "ICCID"), "8944110012345678901");
     EXPECT_EQ(rowValue(screen, "Wi-Fi MAC address"), "a0:b1:c2:d3:e4:f6");
     EXPECT_EQ(rowValue(screen, "Bluetooth address"), "A0:B1:C2:D3:E4:F5");
     // Without the carrier's feature the daemon's whole text is the serial number.
-    EXPECT_EQ(rowValue(screen, "Serial number"), "R9WT40ABCDE,3546201");
+    EXPECT_EQ(rowValue(screen, "Serial number"), "NV480Q0A1B2C,3546201");
 
     SimulatedWatch noModem("bt-only");
     run = noModem.drive(kOpen + "dump\n");
@@ -114,9 +114,9 @@ TEST(StatusPageE2E, ProfileValuesReachTheirRows) {
     ASSERT_EQ(run.status, 0) << run.errors;
     EXPECT_EQ(rowValue(run.dumps.at(0), "PRL"), "58023");
     EXPECT_EQ(rowValue(run.dumps.at(0), "ERI"), "ERI 6");
-    EXPECT_EQ(rowValue(run.dumps.at(0), "MEID"), "A10000009296F2");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "MEID"), "A0000048012345");
     // The US carrier code cuts the serial text at its first comma.
-    EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), "R9WT40ABCDE");
+    EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), "NV480Q0A1B2C");
 }
 
 TEST(StatusPageE2E, AsynchronousAnswersChangeTheirRowsInPlace) {
@@ -132,7 +132,7 @@ TEST(StatusPageE2E, AsynchronousAnswersChangeTheirRowsInPlace) {
     EXPECT_EQ(rowValue(before, "ICCID"), kUnknown);
     EXPECT_EQ(rowValue(after, "Kesta eSIM profile"),
               "Kite & Co <Travel>");  // shown literally, tags and all
-    EXPECT_EQ(rowValue(after, "eID"), "89049032000001000000012345678901");
+    EXPECT_EQ(rowValue(after, "eID"), "89000480000001000000012345678901");
     EXPECT_EQ(rowValue(after, "Kesta phone number"), "+44 7700 900123");
     EXPECT_EQ(after["depth"], 2);
     // The number is kept for the next start.
@@ -170,7 +170,7 @@ TEST(StatusPageE2E, KoreanCarrierShowsNationalNumberSplitIccidSerialAndBarcode) 
     const json &screen = run.dumps.at(0);
     EXPECT_EQ(rowValue(screen, "Kesta phone number"), "010-1234-5678");
     EXPECT_EQ(rowValue(screen, "ICCID"), "898205 0123456789012F");
-    EXPECT_EQ(rowValue(screen, "Serial number"), "R9WT40KTO01");
+    EXPECT_EQ(rowValue(screen, "Serial number"), "NV480Q0KT001");
     EXPECT_EQ(rowValue(screen, "Barcode number"), "8806090123456");
     EXPECT_EQ(rowValue(screen, "Hardware version"), "REV0.6");
     EXPECT_EQ(rowValue(screen, "IMS registration status"), "On");

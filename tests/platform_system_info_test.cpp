@@ -13,7 +13,7 @@ using simtest::StateTest;
 namespace {
 
 const char *const kProfile = R"({"system_info": {
-    "platform": {"system/model_name": "QX-R925", "feature/platform.version": "6.0",
+    "platform": {"system/model_name": "QX-M480", "feature/platform.version": "6.0",
                  "feature/network.telephony.service.cdma": false, "screen/width": 360,
                  "screen/dpi": 301.5},
     "vendor": {"tizen/feature/esim.phase": 1, "tizen/system/rated_current": "5V 0.5A",
@@ -39,7 +39,7 @@ std::string platformString(const std::string &path, int *ret) {
 
 TEST_F(SystemInfoTest, PlatformAndVendorKeysAnswerFromTheirOwnNamespace) {
     int ret;
-    EXPECT_EQ(platformString("system/model_name", &ret), "QX-R925");
+    EXPECT_EQ(platformString("system/model_name", &ret), "QX-M480");
     EXPECT_EQ(ret, SYSTEM_INFO_ERROR_NONE);
     EXPECT_EQ(platformString("feature/platform.version", &ret), "6.0");
 

@@ -185,7 +185,7 @@ TEST(Profile, TheDefaultWatchHasEveryValueTheAboutPageReads) {
     std::string error;
     ASSERT_TRUE(profile.load(Profile::resolve("default", sim::profilesDir()), &error)) << error;
     const nlohmann::json &p = profile.json();
-    EXPECT_EQ(p["system_info"]["platform"]["system/model_name"], "QX-R925");
+    EXPECT_EQ(p["system_info"]["platform"]["system/model_name"], "QX-M480");
     EXPECT_EQ(p["system_info"]["vendor"]["tizen/feature/esim.phase"], 1);
 
     // The About page shows 4 GiB minus the available space as used.

@@ -1,6 +1,6 @@
 // The customer-specific configuration (CSC) of the simulated watch, from the profile's "csc"
 // section:
-//   "csc": {"features": {"30": true, "39": false}, "approval_version": "R925KTU1BWK3"}
+//   "csc": {"features": {"30": true, "39": false}, "approval_version": "M480-KT-3.2.0611"}
 // Features the profile does not name are off.
 
 #include <csc_feature.h>
