@@ -18,6 +18,8 @@ public:
     double min() const;
     double max() const;
 
+    const std::vector<double> &samples() const { return _samples; }
+
     nlohmann::json toJson() const;
 
 private:

@@ -21,6 +21,8 @@ namespace {
 
 // Rows and pages settle (scrolling, transitions) before the next step is taken.
 const double kSettleSeconds = 0.4;
+// A brisk turn of the bezel: about seven detents a second.
+const double kDetentSeconds = 0.15;
 const char *const kCheckParts[] = {"elm.icon", "elm.swallow.icon", "elm.swallow.end"};
 
 int64_t now() {
@@ -77,7 +79,12 @@ StBenchProbe::StBenchProbe()
       _tapTime(0),
       _waitingHome(false),
       _tapTarget(nullptr),
-      _watchState(-1) {
+      _watchState(-1),
+      _scrolled(nullptr),
+      _forward(true),
+      _scrollTarget(0),
+      _framePre(0),
+      _lastFrame(0) {
     const char *domain = getenv("QUILLSET_BENCH_DOMAIN");
     _domain = domain ? domain : "";
 }
@@ -97,12 +104,18 @@ void StBenchProbe::attach(Evas_Object *win) {
             _pending.push_back(_domain.empty() ? id : dgettext(_domain.c_str(), id.c_str()));
         start = comma == std::string::npos ? ids.size() : comma + 1;
     }
+    evas_event_callback_add(evas_object_evas_get(win), EVAS_CALLBACK_RENDER_PRE, _renderPreCb,
+                            this);
     evas_event_callback_add(evas_object_evas_get(win), EVAS_CALLBACK_RENDER_POST, _renderPostCb,
                             this);
     if (_in >= 0) {
         fcntl(_in, F_SETFL, fcntl(_in, F_GETFL) | O_NONBLOCK);
         ecore_main_fd_handler_add(_in, ECORE_FD_READ, _commandCb, this, nullptr, nullptr);
     }
+}
+
+void StBenchProbe::_renderPreCb(void *data, Evas *, void *) {
+    static_cast<StBenchProbe *>(data)->_framePre = now();
 }
 
 void StBenchProbe::_renderPostCb(void *data, Evas *, void *) {
@@ -138,6 +151,11 @@ void StBenchProbe::_send(const std::string &line) {
 
 void StBenchProbe::_onFrame() {
     int64_t t = now();
+    if (_scrolled) {
+        _send("frame " + std::to_string(t - _framePre) + " " +
+              std::to_string(_lastFrame ? t - _lastFrame : 0));
+        _lastFrame = t;
+    }
     if (!_ready) {
         Evas_Object *list = _topList();
         if (!list || !hasRealizedRows(list))
@@ -194,6 +212,8 @@ void StBenchProbe::_onCommand(const std::string &line) {
         }
         elm_genlist_item_show(row, ELM_GENLIST_ITEM_SCROLLTO_IN);
         _after(kSettleSeconds, [](StBenchProbe *p) { p->_send("shown"); });
+    } else if (command == "scroll") {
+        _scroll();
     } else if (command == "watch") {
         _watchLabel = arg;
         _watchState = _watchedState();
@@ -324,6 +344,65 @@ void StBenchProbe::_tap(const std::string &label) {
         evas_event_feed_mouse_down(evas, 1, EVAS_BUTTON_NONE, ts + 1, nullptr);
         evas_event_feed_mouse_up(evas, 1, EVAS_BUTTON_NONE, ts + 60, nullptr);
     });
+}
+
+// The top page's list, or the scroller of a page that is one long text.
+void StBenchProbe::_scroll() {
+    Evas_Object *target = _topList();
+    if (!target) {
+        Elm_Object_Item *top = _topItem();
+        target = findByType(top ? elm_object_item_content_get(top) : nullptr, "elm_scroller");
+    }
+    if (!target) {
+        _send("error nothing to scroll");
+        return;
+    }
+    _scrolled = target;
+    _forward = true;
+    _scrollTarget = 0;
+    _lastFrame = 0;
+    ecore_timer_add(kDetentSeconds, _detentCb, this);
+}
+
+Eina_Bool StBenchProbe::_detentCb(void *data) {
+    auto *self = static_cast<StBenchProbe *>(data);
+    if (self->_turn(self->_forward))
+        return ECORE_CALLBACK_RENEW;
+    if (self->_forward) {
+        self->_forward = false;
+        return ECORE_CALLBACK_RENEW;
+    }
+    self->_after(kSettleSeconds, [](StBenchProbe *p) {
+        p->_scrolled = nullptr;
+        p->_send("scrolled");
+    });
+    return ECORE_CALLBACK_CANCEL;
+}
+
+// One detent of the bezel, as the watch turns it: a list by one row, brought to the middle; a
+// scroller by a third of its view. False at the end.
+bool StBenchProbe::_turn(bool forward) {
+    if (isType(_scrolled, "elm_genlist")) {
+        int count = static_cast<int>(elm_genlist_items_count(_scrolled));
+        int next = _scrollTarget + (forward ? 1 : -1);
+        if (next < 0 || next >= count)
+            return false;
+        _scrollTarget = next;
+        Elm_Object_Item *item = elm_genlist_nth_item_get(_scrolled, static_cast<unsigned>(next));
+        elm_genlist_item_bring_in(item, ELM_GENLIST_ITEM_SCROLLTO_MIDDLE);
+        return true;
+    }
+    Evas_Coord x = 0, y = 0, w = 0, h = 0, cw = 0, ch = 0;
+    elm_interface_scrollable_content_region_get(_scrolled, &x, &y, &w, &h);
+    elm_interface_scrollable_content_size_get(_scrolled, &cw, &ch);
+    int step = h / 3 > 40 ? h / 3 : 40;
+    int next = _scrollTarget + (forward ? step : -step);
+    int end = ch > h ? ch - h : 0;
+    if ((forward && _scrollTarget >= end) || (!forward && _scrollTarget <= 0))
+        return false;
+    _scrollTarget = next < 0 ? 0 : next > end ? end : next;
+    elm_interface_scrollable_region_bring_in(_scrolled, x, _scrollTarget, w, h);
+    return true;
 }
 
 void StBenchProbe::_after(double seconds, void (*fn)(StBenchProbe *)) {

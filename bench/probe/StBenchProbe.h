@@ -17,6 +17,8 @@
 //   home                 back on the first list, settled
 //   shown                the row asked for is in view, settled
 //   check STATE FRAME    a frame in which the watched switch shows a new state
+//   frame TIME INTERVAL  while scrolling: how long a frame took to draw, and since the last one
+//   scrolled             the page has been turned to its end and back, and has settled
 //   error TEXT           a command could not be carried out
 class StBenchProbe {
 public:
@@ -30,7 +32,9 @@ public:
 private:
     StBenchProbe();
 
+    static void _renderPreCb(void *data, Evas *evas, void *eventInfo);
     static void _renderPostCb(void *data, Evas *evas, void *eventInfo);
+    static Eina_Bool _detentCb(void *data);
     static Eina_Bool _commandCb(void *data, Ecore_Fd_Handler *handler);
     static void _naviframeDelCb(void *data, Evas *evas, Evas_Object *obj, void *eventInfo);
 
@@ -46,6 +50,8 @@ private:
     int _watchedState() const;
 
     void _tap(const std::string &label);
+    void _scroll();
+    bool _turn(bool forward);
     void _after(double seconds, void (*fn)(StBenchProbe *));
 
     Evas_Object *_win;
@@ -67,6 +73,12 @@ private:
     Elm_Object_Item *_tapTarget;
     std::string _watchLabel;
     int _watchState;
+    // Scrolling: the page turned a detent at a time, to its end and back.
+    Evas_Object *_scrolled;
+    bool _forward;
+    int _scrollTarget;
+    int64_t _framePre;
+    int64_t _lastFrame;
 };
 
 #endif

@@ -93,18 +93,40 @@ void maskResizeCb(void *data, Evas *, Evas_Object *win, void *) {
         return;
     int stride = evas_object_image_stride_get(mask) / 4;
     double cx = w / 2.0, cy = h / 2.0, r = std::min(w, h) / 2.0;
-    // Only the one-pixel edge needs a square root: inside it is clear, outside it is black.
+    // Premultiplied black is just the alpha byte. Each row is clear inside the circle and
+    // black outside it; only the pixels of its one-pixel anti-aliased edge need a square root.
+    const unsigned int black = 0xffu << 24;
     double inner = r > 0.5 ? (r - 0.5) * (r - 0.5) : 0.0, outer = (r + 0.5) * (r + 0.5);
     for (int y = 0; y < h; ++y) {
+        unsigned int *row = pixels + static_cast<size_t>(y) * stride;
         double dy = y + 0.5 - cy;
-        for (int x = 0; x < w; ++x) {
+        double dy2 = dy * dy;
+        // Columns [clearFrom, clearTo) are surely inside, those outside [edgeFrom, edgeTo)
+        // surely outside.
+        double halfIn = dy2 < inner ? std::sqrt(inner - dy2) : -1.0;
+        double halfOut = dy2 < outer ? std::sqrt(outer - dy2) : -1.0;
+        int edgeFrom = std::clamp(static_cast<int>(std::floor(cx - halfOut - 0.5)), 0, w);
+        int edgeTo = std::clamp(static_cast<int>(std::ceil(cx + halfOut + 0.5)), edgeFrom, w);
+        int clearFrom =
+            std::clamp(static_cast<int>(std::ceil(cx - halfIn - 0.5)), edgeFrom, edgeTo);
+        int clearTo =
+            std::clamp(static_cast<int>(std::floor(cx + halfIn - 0.5)) + 1, clearFrom, edgeTo);
+        if (halfIn < 0)
+            clearFrom = clearTo = edgeFrom;
+        std::fill(row, row + edgeFrom, black);
+        std::fill(row + clearFrom, row + clearTo, 0u);
+        std::fill(row + edgeTo, row + w, black);
+        for (int x = edgeFrom; x < edgeTo; ++x) {
+            if (x == clearFrom && clearTo > clearFrom) {
+                x = clearTo - 1;
+                continue;
+            }
             double dx = x + 0.5 - cx;
-            double d2 = dx * dx + dy * dy;
-            // Anti-aliased edge one pixel wide; premultiplied black is just the alpha byte.
+            double d2 = dx * dx + dy2;
             double a = d2 <= inner   ? 0.0
                        : d2 >= outer ? 1.0
                                      : std::clamp(std::sqrt(d2) - r + 0.5, 0.0, 1.0);
-            pixels[y * stride + x] = static_cast<unsigned int>(a * 255.0 + 0.5) << 24;
+            row[x] = static_cast<unsigned int>(a * 255.0 + 0.5) << 24;
         }
     }
     evas_object_image_data_set(mask, pixels);

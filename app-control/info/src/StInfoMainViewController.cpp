@@ -73,25 +73,27 @@ Evas_Object *StInfoMainViewController::onCreateView(Evas_Object *parent, void *)
     return genlist;
 }
 
-void StInfoMainViewController::_addPageEntry(Evas_Object *genlist, const char *textId,
-                                             std::function<app_assist::WViewController *()> page) {
+Elm_Object_Item *StInfoMainViewController::_addPageEntry(
+    Evas_Object *genlist, const char *textId, std::function<app_assist::WViewController *()> page) {
     auto *entry = new StInfoMenuItem(textId);
-    entry->setElmObjectItem(appendSelectableRow(genlist, entry));
+    Elm_Object_Item *item = appendSelectableRow(genlist, entry);
+    entry->setElmObjectItem(item);
     entry->setOnSelect([this, page]() { getNaviframeController()->push(page()); });
+    return item;
 }
 
 void StInfoMainViewController::_addDeviceInformationEntry(Evas_Object *genlist) {
-    _addPageEntry(genlist, "WDS_ST_TMBODY_DEVICE_INFORMATION",
-                  [] { return new StInfoStatusViewController(); });
-    // The page formats the phone number with a library of its own: once this list is on
-    // screen, that library loads off the main loop, so that opening the page does not wait.
-    evas_event_callback_add(evas_object_evas_get(genlist), EVAS_CALLBACK_RENDER_POST, _firstFrameCb,
-                            nullptr);
+    Elm_Object_Item *entry = _addPageEntry(genlist, "WDS_ST_TMBODY_DEVICE_INFORMATION",
+                                           [] { return new StInfoStatusViewController(); });
+    // The page formats the phone number with a library of its own, which most visits to this
+    // list never need: it starts loading off the main loop when a finger comes down on the
+    // entry, so that the page seldom waits for it and other launches never pay for it.
+    evas_object_smart_callback_add(genlist, "pressed", _entryPressedCb, entry);
 }
 
-void StInfoMainViewController::_firstFrameCb(void *, Evas *evas, void *) {
-    evas_event_callback_del_full(evas, EVAS_CALLBACK_RENDER_POST, _firstFrameCb, nullptr);
-    preparePhoneNumberFormatting();
+void StInfoMainViewController::_entryPressedCb(void *entry, Evas_Object *, void *pressed) {
+    if (pressed == entry)
+        preparePhoneNumberFormatting();
 }
 
 void StInfoMainViewController::_addInformationPageEntries(Evas_Object *genlist) {

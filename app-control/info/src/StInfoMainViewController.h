@@ -16,8 +16,8 @@ protected:
 
 private:
     // An entry that opens a page: page() makes the view to push.
-    void _addPageEntry(Evas_Object *genlist, const char *textId,
-                       std::function<app_assist::WViewController *()> page);
+    Elm_Object_Item *_addPageEntry(Evas_Object *genlist, const char *textId,
+                                   std::function<app_assist::WViewController *()> page);
     void _addDeviceInformationEntry(Evas_Object *genlist);
     void _addInformationPageEntries(Evas_Object *genlist);
     void _addSwitches(Evas_Object *genlist);
@@ -27,7 +27,7 @@ private:
     void _onUsbDebugTapped();
     void _createRestrictedPopup();
     static void _realizedCb(void *data, Evas_Object *obj, void *eventInfo);
-    static void _firstFrameCb(void *data, Evas *evas, void *eventInfo);
+    static void _entryPressedCb(void *entry, Evas_Object *obj, void *pressed);
 
     Elm_Object_Item *_usbDebugItem;
     Elm_Object_Item *_privacyNoticeItem;

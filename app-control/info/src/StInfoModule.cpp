@@ -54,7 +54,11 @@ bool StInfoModule::_load() {
 }
 
 void *StInfoModule::symbol(const char *entry) {
-    if (!entry || !_load())
+    if (!entry)
+        return nullptr;
+    // A worker still inside the library's start-up is waited for, not raced.
+    finishBackground();
+    if (!_load())
         return nullptr;
     void *address = dlsym(_handle, entry);
     if (!address) {
