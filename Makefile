@@ -2,6 +2,7 @@
 BUILD ?= build
 CMAKE_FLAGS ?=
 PROFILE ?= default
+A11Y ?=
 FUZZ_TIME ?= 20
 
 .PHONY: all deps configure build run test soak bench tour format clean fuzz check-asan check-valgrind
@@ -20,7 +21,7 @@ build: configure
 	cmake --build $(BUILD)
 
 run: build
-	@scripts/run.sh $(BUILD) $(PROFILE)
+	@A11Y=$(A11Y) scripts/run.sh $(BUILD) $(PROFILE)
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j2

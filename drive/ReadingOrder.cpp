@@ -8,7 +8,6 @@
 #include <WPopupController.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <set>
 #include <string>
@@ -18,10 +17,8 @@ using nlohmann::json;
 
 namespace {
 
-std::string owned(char *text) {
-    std::string out = text ? text : "";
-    free(text);
-    return out;
+std::string orEmpty(const char *value) {
+    return value ? value : "";
 }
 
 // Roles a person acts on: these must carry a name a screen reader can say.
@@ -100,13 +97,9 @@ json ReadingOrder::read() const {
     for (const Eo *obj : tree) {
         if (!elm_atspi_accessible_can_highlight_get(const_cast<Eo *>(obj)))
             continue;
-        std::string setName = owned(elm_atspi_accessible_name_get(obj));
-        std::string name = setName;
-        if (name.empty()) {
-            // What the toolkit makes up from the object's own texts (list rows, labels).
-            const char *made = efl_access_object_i18n_name_get(obj);
-            name = made ? made : "";
-        }
+        // The name AT-SPI hands out: the one set on the object, else what the toolkit makes up
+        // from its texts (list rows, labels, buttons).
+        std::string name = orEmpty(elm_atspi_accessible_name_get(obj));
         Efl_Access_Role role = efl_access_object_role_get(obj);
         bool tappable = tappableRole(role);
         bool row = isListRow(obj);
@@ -116,6 +109,7 @@ json ReadingOrder::read() const {
             // Spacing under the last row is not a stop; titles and facts are read, not tapped.
             if (itc && itc->item_style && !strcmp(itc->item_style, "padding"))
                 continue;
+            // A row off screen has no name until a reader scrolls to it; it then reads its texts.
             if (name.empty()) {
                 json texts = ScreenReader::rowTexts(item);
                 for (auto &text : texts.items())
@@ -127,7 +121,7 @@ json ReadingOrder::read() const {
                        mode != ELM_OBJECT_SELECT_MODE_NONE && !elm_object_item_disabled_get(item);
             listRows = true;
         }
-        std::string description = owned(elm_atspi_accessible_description_get(obj));
+        std::string description = orEmpty(elm_atspi_accessible_description_get(obj));
         Elm_Atspi_Reading_Info_Type_Mask info =
             elm_atspi_accessible_reading_info_type_get(const_cast<Eo *>(obj));
         std::string reads;

@@ -143,9 +143,8 @@ std::vector<std::pair<Evas_Object *, std::string>> ScreenReader::popupButtons() 
         std::string label = plain(elm_object_text_get(button));
         if (label.empty()) {
             // Icon buttons are known by their accessibility name.
-            char *name = elm_atspi_accessible_name_get(button);
+            const char *name = elm_atspi_accessible_name_get(button);
             label = name ? name : "";
-            free(name);
         }
         buttons.emplace_back(button, label);
     }

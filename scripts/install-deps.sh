@@ -17,6 +17,7 @@ packages=(
     libbenchmark-dev valgrind
     fonts-dejavu-core fonts-dejavu-extra
     xvfb xauth
+    at-spi2-core python3-pyatspi dbus-x11 xdotool
     python3 python3-jsonschema
 )
 for group in "$@"; do

@@ -7,7 +7,9 @@ profile=${2:-default}
 bin="$build/bin"
 
 if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
-    exec "$bin/quillset-sim" run --profile "$profile" -- "$bin/quillset-info"
+    a11y=()
+    [ -n "${A11Y:-}" ] && a11y=(--a11y)  # make run A11Y=1: a desktop screen reader hears it
+    exec "$bin/quillset-sim" run --profile "$profile" "${a11y[@]}" -- "$bin/quillset-info"
 fi
 
 echo "No display: touring every screen of profile '$profile' headless instead."

@@ -92,8 +92,13 @@ Evas_Object *WPopupController::onCreateView(Evas_Object *parent, void *) {
     if (_onAddProperties)
         _onAddProperties(popup);
 
-    if (_hasTitle)
+    if (_hasTitle) {
         _setText(popup, "title,text", _title);
+        // A screen reader announces the popup by its title rather than by its text.
+        elm_atspi_accessible_name_set(popup, _title.c_str());
+        if (!_domain.empty())
+            elm_atspi_accessible_translation_domain_set(popup, _domain.c_str());
+    }
     if (_contentBuilder) {
         _contentObject = _contentBuilder(popup);
         if (_contentObject)

@@ -36,12 +36,12 @@ typedef enum {
 } Elm_Atspi_Relation_Type;
 
 void elm_atspi_accessible_name_set(Elm_Interface_Atspi_Accessible *obj, const char *name);
-/* The name as read: translated in the object's domain when one is set; the caller frees it. */
-char *elm_atspi_accessible_name_get(const Elm_Interface_Atspi_Accessible *obj);
+/* The name as read: translated in the object's domain when one is set; owned by the object. */
+const char *elm_atspi_accessible_name_get(const Elm_Interface_Atspi_Accessible *obj);
 void elm_atspi_accessible_description_set(Elm_Interface_Atspi_Accessible *obj,
                                           const char *description);
-/* The description as read: from the callback when one is set; the caller frees it. */
-char *elm_atspi_accessible_description_get(const Elm_Interface_Atspi_Accessible *obj);
+/* The description as read: from the callback when one is set; owned by the object. */
+const char *elm_atspi_accessible_description_get(const Elm_Interface_Atspi_Accessible *obj);
 void elm_atspi_accessible_description_cb_set(Elm_Interface_Atspi_Accessible *obj,
                                              Elm_Atspi_Reading_Info_Cb func, const void *data);
 void elm_atspi_accessible_translation_domain_set(Elm_Interface_Atspi_Accessible *obj,

@@ -1,51 +1,94 @@
 // The watch toolkit's accessibility calls, on top of upstream Elementary's efl_access API.
-// Names and descriptions may be text ids translated in a domain set on the object; a
-// description may also come from a callback asked at every reading.
+// Everything lands in efl_access data or in the object's own answers to it, which is what the
+// AT-SPI bridge hands to a screen reader: names and descriptions translated in the object's domain,
+// a description callback asked whenever a reader reads the object, reading information, relations,
+// and objects that cannot be highlighted left out of the reading chain.
 
 // The scrollable and accessibility interfaces are Eo APIs that upstream marks as beta.
 #define EFL_BETA_API_SUPPORT 1
-// Reading-information types are set by the object's owner, which the toolkit calls protected.
+// Access types and reading information are set by the object's owner, which the toolkit
+// calls protected.
 #define EFL_ACCESS_OBJECT_PROTECTED 1
 #include <Elementary.h>
-
 #include <libintl.h>
 
+#include <cstdint>
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
-const char *const kDomainKey = "_atspi_translation_domain";
+const char *const kAnswersKey = "_atspi_answers";
+const char *const kNameKey = "_atspi_name";
 const char *const kDescCbKey = "_atspi_description_cb";
 const char *const kDescDataKey = "_atspi_description_data";
-const char *const kNoHighlightKey = "_atspi_no_highlight";
-const char *const kReadingInfoKey = "_atspi_reading_info";
+// The callback's last answer, kept until the next reading or the object's end.
+const char *const kDescTextKey = "_atspi_description_text";
 
 bool valid(const Eo *obj) {
     return obj && efl_isa(obj, EFL_ACCESS_OBJECT_MIXIN);
 }
 
-char *translated(const Eo *obj, const char *text) {
-    if (!text)
-        return nullptr;
-    auto *domain = static_cast<const char *>(efl_key_data_get(obj, kDomainKey));
-    return strdup(domain ? dgettext(domain, text) : text);
+// A name set on the object is what is read, even where upstream's class makes one up from the
+// object's texts (pages, popups); translated at every reading.
+const char *nameAsRead(const Eo *obj, void *) {
+    auto *name = static_cast<const char *>(efl_key_data_get(obj, kNameKey));
+    if (!name)
+        return efl_access_object_i18n_name_get(efl_super(obj, EFL_OBJECT_OVERRIDE_CLASS));
+    const char *domain = efl_access_object_translation_domain_get(obj);
+    // An empty id would translate to the catalogue's header.
+    return domain && *name ? dgettext(domain, name) : name;
 }
+
+const char *descriptionAsRead(const Eo *obj, void *) {
+    auto cb = reinterpret_cast<Elm_Atspi_Reading_Info_Cb>(efl_key_data_get(obj, kDescCbKey));
+    if (!cb)
+        return efl_access_object_description_get(efl_super(obj, EFL_OBJECT_OVERRIDE_CLASS));
+    char *text = cb(efl_key_data_get(obj, kDescDataKey), const_cast<Eo *>(obj));
+    auto *kept = static_cast<const char *>(efl_key_data_get(obj, kDescTextKey));
+    eina_stringshare_replace(&kept, text);
+    free(text);
+    efl_key_data_set(const_cast<Eo *>(obj), kDescTextKey, kept);
+    return kept;
+}
+
+void releaseAnswers(void *, const Efl_Event *event) {
+    eina_stringshare_del(static_cast<const char *>(efl_key_data_get(event->object, kNameKey)));
+    eina_stringshare_del(static_cast<const char *>(efl_key_data_get(event->object, kDescTextKey)));
+}
+
+// The AT-SPI bridge asks the object itself, so the object answers as the watch would.
+void answerAsTheWatch(Eo *obj) {
+    if (efl_key_data_get(obj, kAnswersKey))
+        return;
+    static Efl_Op_Description answers[] = {
+        EFL_OBJECT_OP_FUNC(efl_access_object_i18n_name_get, nameAsRead),
+        EFL_OBJECT_OP_FUNC(efl_access_object_description_get, descriptionAsRead)};
+    static Efl_Object_Ops ops = {answers, 2};
+    if (!efl_object_override(obj, &ops))
+        return;
+    efl_key_data_set(obj, kAnswersKey, obj);
+    efl_event_callback_add(obj, EFL_EVENT_DEL, releaseAnswers, nullptr);
+}
+
+// Upstream reads nothing into an unset mask; the watch reads everything.
+const Elm_Atspi_Reading_Info_Type_Mask kReadEverything = 0xF;
 
 }  // namespace
 
 extern "C" {
 
 void elm_atspi_accessible_name_set(Elm_Interface_Atspi_Accessible *obj, const char *name) {
-    if (valid(obj))
-        efl_access_object_i18n_name_set(obj, name);
+    if (!valid(obj))
+        return;
+    efl_access_object_i18n_name_set(obj, name);
+    answerAsTheWatch(obj);
+    auto *kept = static_cast<const char *>(efl_key_data_get(obj, kNameKey));
+    eina_stringshare_replace(&kept, name);
+    efl_key_data_set(obj, kNameKey, kept);
 }
 
-char *elm_atspi_accessible_name_get(const Elm_Interface_Atspi_Accessible *obj) {
-    if (!valid(obj))
-        return nullptr;
-    // The raw name set on the object, not one made up from its texts.
-    return translated(obj, efl_access_object_i18n_name_get(obj));
+const char *elm_atspi_accessible_name_get(const Elm_Interface_Atspi_Accessible *obj) {
+    return valid(obj) ? efl_access_object_i18n_name_get(obj) : nullptr;
 }
 
 void elm_atspi_accessible_description_set(Elm_Interface_Atspi_Accessible *obj,
@@ -54,41 +97,35 @@ void elm_atspi_accessible_description_set(Elm_Interface_Atspi_Accessible *obj,
         efl_access_object_description_set(obj, description);
 }
 
-char *elm_atspi_accessible_description_get(const Elm_Interface_Atspi_Accessible *obj) {
-    if (!valid(obj))
-        return nullptr;
-    auto cb = reinterpret_cast<Elm_Atspi_Reading_Info_Cb>(efl_key_data_get(obj, kDescCbKey));
-    if (cb)
-        return cb(efl_key_data_get(obj, kDescDataKey), const_cast<Eo *>(obj));
-    return translated(obj, efl_access_object_description_get(obj));
+const char *elm_atspi_accessible_description_get(const Elm_Interface_Atspi_Accessible *obj) {
+    return valid(obj) ? efl_access_object_description_get(obj) : nullptr;
 }
 
 void elm_atspi_accessible_description_cb_set(Elm_Interface_Atspi_Accessible *obj,
                                              Elm_Atspi_Reading_Info_Cb func, const void *data) {
     if (!valid(obj))
         return;
+    answerAsTheWatch(obj);
     efl_key_data_set(obj, kDescCbKey, reinterpret_cast<void *>(func));
     efl_key_data_set(obj, kDescDataKey, data);
 }
 
 void elm_atspi_accessible_translation_domain_set(Elm_Interface_Atspi_Accessible *obj,
                                                  const char *domain) {
-    if (!valid(obj))
-        return;
-    efl_access_object_translation_domain_set(obj, domain);
-    // Kept as well, so that readings translate even where the toolkit does not. Stringshares
-    // are interned and released with the toolkit.
-    efl_key_data_set(obj, kDomainKey, domain ? eina_stringshare_add(domain) : nullptr);
+    if (valid(obj))
+        efl_access_object_translation_domain_set(obj, domain);
 }
 
 void elm_atspi_accessible_can_highlight_set(Elm_Interface_Atspi_Accessible *obj,
                                             Eina_Bool can_highlight) {
+    // A skipped object is no stop of its own; its children, if any, are read in its place.
     if (valid(obj))
-        efl_key_data_set(obj, kNoHighlightKey, can_highlight ? nullptr : obj);
+        efl_access_object_access_type_set(
+            obj, can_highlight ? EFL_ACCESS_TYPE_REGULAR : EFL_ACCESS_TYPE_SKIPPED);
 }
 
 Eina_Bool elm_atspi_accessible_can_highlight_get(const Elm_Interface_Atspi_Accessible *obj) {
-    return valid(obj) && !efl_key_data_get(obj, kNoHighlightKey);
+    return valid(obj) && efl_access_object_access_type_get(obj) == EFL_ACCESS_TYPE_REGULAR;
 }
 
 void elm_atspi_accessible_reading_info_type_set(Elm_Interface_Atspi_Accessible *obj,
@@ -97,16 +134,19 @@ void elm_atspi_accessible_reading_info_type_set(Elm_Interface_Atspi_Accessible *
         return;
     efl_access_object_reading_info_type_set(
         obj, static_cast<Efl_Access_Reading_Info_Type>(reading_info));
-    efl_key_data_set(obj, kReadingInfoKey, reinterpret_cast<void *>(uintptr_t(reading_info) + 1));
+    // A desktop reader always says the name; an object read without one has none, rather
+    // than the texts upstream would make one up from.
+    if (!(reading_info & ELM_ACCESSIBLE_READING_INFO_TYPE_NAME))
+        elm_atspi_accessible_name_set(obj, "");
 }
 
 Elm_Atspi_Reading_Info_Type_Mask elm_atspi_accessible_reading_info_type_get(
     const Elm_Interface_Atspi_Accessible *obj) {
     if (!valid(obj))
         return 0;
-    auto stored = reinterpret_cast<uintptr_t>(efl_key_data_get(obj, kReadingInfoKey));
-    // Unset means everything is read.
-    return stored ? static_cast<Elm_Atspi_Reading_Info_Type_Mask>(stored - 1) : 0xF;
+    auto mask =
+        static_cast<Elm_Atspi_Reading_Info_Type_Mask>(efl_access_object_reading_info_type_get(obj));
+    return mask ? mask : kReadEverything;
 }
 
 Eina_Bool elm_atspi_accessible_relationship_append(Elm_Interface_Atspi_Accessible *obj,

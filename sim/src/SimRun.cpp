@@ -46,6 +46,8 @@ const char *const kBusConfig =
     "  </policy>\n"
     "</busconfig>\n";
 
+const char *const kAtSpiBusLauncher = "/usr/libexec/at-spi-bus-launcher";
+
 // Parts of a state directory that --fresh clears; anything else in it is left alone.
 const char *const kStateEntries[] = {"settings",     "profile.json", "usage.db",
                                      "usage.db-wal", "usage.db-shm", "usage.db-journal",
@@ -211,9 +213,13 @@ struct Watch {
     bool temporary = false;
     pid_t bus = -1;
     pid_t daemon = -1;
+    pid_t sessionBus = -1;
+    pid_t accessibilityBus = -1;
 
     ~Watch() {
         bool ownsBus = bus > 0;
+        stop(&accessibilityBus);
+        stop(&sessionBus);
         stop(&daemon);
         stop(&bus);
         if (state.empty())
@@ -345,6 +351,74 @@ bool startDaemon(Watch *watch) {
     return ok;
 }
 
+// Runs a short command to its end, its output into a log; true when it succeeds.
+bool runToEnd(const std::vector<std::string> &args, const std::string &log) {
+    SpawnOptions options;
+    options.outputFile = log;
+    pid_t pid = spawn(args, options);
+    int status = 0;
+    while (pid > 0 && waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    return pid > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+// What a desktop screen reader needs: a session bus (a private one when the command has
+// none), the accessibility bus launched on it, the screen reader marked as on (without it
+// Elementary's bridge registers nothing) and Elementary's bridge turned on.
+bool startAccessibility(Watch *watch) {
+    const char *session = getenv("DBUS_SESSION_BUS_ADDRESS");
+    if (!session || !*session) {
+        int fds[2];
+        if (pipe2(fds, O_CLOEXEC) != 0) {
+            say(sysError("pipe2", "session bus address", errno));
+            return false;
+        }
+        SpawnOptions options;
+        options.daemon = true;
+        options.keepFd = fds[1];
+        options.outputFile = watch->state + "/bus/session-bus.log";
+        watch->sessionBus = spawn({"dbus-daemon", "--session", "--nofork", "--nopidfile",
+                                   "--nosyslog", "--print-address=" + std::to_string(fds[1])},
+                                  options);
+        close(fds[1]);
+        std::string address;
+        bool ok = watch->sessionBus > 0 && readLine(fds[0], 5.0, &address) && !address.empty();
+        close(fds[0]);
+        if (!ok) {
+            say("the session bus (dbus-daemon --session) did not start; see " + options.outputFile);
+            return false;
+        }
+        setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+        SpawnOptions launcher;
+        launcher.daemon = true;
+        launcher.outputFile = watch->state + "/bus/at-spi.log";
+        watch->accessibilityBus = spawn({kAtSpiBusLauncher, "--launch-immediately"}, launcher);
+        if (watch->accessibilityBus <= 0)
+            return false;
+    }
+    // The launcher answers on the session bus once it is up (or is started by it on a desktop).
+    bool enabled = false;
+    for (int attempt = 0; attempt < 50 && !enabled && !g_stopSignal; ++attempt) {
+        enabled = true;
+        for (const char *property : {"IsEnabled", "ScreenReaderEnabled"})
+            enabled = enabled &&
+                      runToEnd({"dbus-send", "--session", "--print-reply=literal",
+                                "--dest=org.a11y.Bus", "/org/a11y/bus",
+                                "org.freedesktop.DBus.Properties.Set", "string:org.a11y.Status",
+                                std::string("string:") + property, "variant:boolean:true"},
+                               watch->state + "/bus/at-spi.log");
+        if (!enabled)
+            usleep(100000);
+    }
+    if (!enabled) {
+        say(std::string("the accessibility bus did not answer (is at-spi2-core installed? ") +
+            kAtSpiBusLauncher + "); see " + watch->state + "/bus/at-spi.log");
+        return false;
+    }
+    setenv("ELM_ATSPI_MODE", "1", 1);
+    return true;
+}
+
 }  // namespace
 
 int runWatch(const RunOptions &options) {
@@ -398,7 +472,8 @@ int runWatch(const RunOptions &options) {
     std::string searchPath = executableDir() + ":" + (path && *path ? path : "/usr/bin:/bin");
     setenv("PATH", searchPath.c_str(), 1);
 
-    if (!startBus(&watch) || !startDaemon(&watch)) {
+    if (!startBus(&watch) || !startDaemon(&watch) ||
+        (options.accessibility && !startAccessibility(&watch))) {
         if (g_stopSignal)
             return 128 + g_stopSignal;
         say("the watch was not started");

@@ -21,8 +21,9 @@ namespace {
 
 const char *const kUsage =
     "usage: quillset-sim [--state DIR] COMMAND ...\n"
-    "  run [--profile NAME|FILE] [--state DIR] [--fresh] -- CMD...\n"
-    "                          start a watch, run CMD in it, stop the watch\n"
+    "  run [--profile NAME|FILE] [--state DIR] [--fresh] [--a11y] -- CMD...\n"
+    "                          start a watch, run CMD in it, stop the watch; --a11y turns\n"
+    "                          the accessibility bus on for a desktop screen reader\n"
     "  get KEY                 print a setting (booleans as true/false)\n"
     "  set KEY TYPE VALUE      write a setting; TYPE is bool, int, double or string\n"
     "  event launch            a new launch request for the application\n"
@@ -292,6 +293,8 @@ int cmdRun(const std::string &state, const std::vector<std::string> &args) {
             options.profileGiven = true;
         } else if (args[i] == "--fresh") {
             options.fresh = true;
+        } else if (args[i] == "--a11y") {
+            options.accessibility = true;
         } else {
             return usageError("run: unknown option '" + args[i] + "' (the command goes after --)");
         }

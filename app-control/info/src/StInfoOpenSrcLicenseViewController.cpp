@@ -125,7 +125,9 @@ Evas_Object *StInfoOpenSrcLicenseViewController::onCreateView(Evas_Object *paren
     elm_object_part_text_set(content, "text.body", markup);
     free(markup);
 
-    // A screen reader reads the title, then the steps.
+    // A screen reader reads the title, then the steps, through their own objects; the layout
+    // that holds them would only repeat both.
+    elm_atspi_accessible_can_highlight_set(content, EINA_FALSE);
     Evas_Object *titleAccess = nullptr;
     Evas_Object *bodyAccess = nullptr;
     registerReadable(content, "text.title", elm_object_part_text_get(content, "text.title"),
@@ -144,4 +146,9 @@ void StInfoOpenSrcLicenseViewController::onPushed(Elm_Object_Item *naviItem) {
     elm_naviframe_item_title_enabled_set(naviItem, EINA_FALSE, EINA_FALSE);
     elm_object_item_domain_part_text_translatable_set(naviItem, nullptr, ST_INFO_TEXT_DOMAIN,
                                                       EINA_TRUE);
+    // A screen reader announces the page by its title in the watch's language; the page it
+    // meets is the naviframe's frame around the view, named after the untranslated title.
+    Evas_Object *page = elm_object_parent_widget_get(getEvasObject());
+    elm_atspi_accessible_name_set(page, getTitle());
+    elm_atspi_accessible_translation_domain_set(page, ST_INFO_TEXT_DOMAIN);
 }

@@ -24,6 +24,8 @@ void decorateIconButton(Evas_Object *button, const char *nameId, const char *ima
     elm_atspi_accessible_name_set(button, nameId);
     elm_atspi_accessible_translation_domain_set(button, ST_INFO_TEXT_DOMAIN);
     Evas_Object *image = elm_image_add(button);
+    // The icon only shows what the button's name says.
+    elm_atspi_accessible_can_highlight_set(image, EINA_FALSE);
     std::string file = resourceFile("edje/common_images.edj");
     // The button keeps its spoken name without its icon.
     elm_image_file_set(image, file.c_str(), imageGroup);

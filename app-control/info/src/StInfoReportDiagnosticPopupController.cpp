@@ -92,6 +92,8 @@ Evas_Object *StInfoReportDiagnosticPopupController::_createBody(Evas_Object *par
     Evas_Object *textPart = const_cast<Evas_Object *>(
         edje_object_part_object_get(elm_layout_edje_get(layout), "elm.text"));
     if (textPart) {
+        // The text is read through its own object; the layout would only repeat it.
+        elm_atspi_accessible_can_highlight_set(layout, EINA_FALSE);
         _textAccessObject = elm_access_object_register(textPart, parent);
         // The access object must let go of the text part before the layout deletes it.
         evas_object_event_callback_add(layout, EVAS_CALLBACK_DEL, _bodyDelCb, this);
