@@ -142,6 +142,9 @@ int ui_app_main(int argc, char **argv, ui_app_lifecycle_callback_s *callback, vo
     setenv("ELM_SCALE", "1.3", 0);
     elm_init(argc, argv);
     loadWatchTheme();
+    // The toolkit hears the watch's language from the start, as on every change: Edje
+    // translates the texts its layouts carry only once it has one.
+    elm_language_set(g_language.c_str());
     applyDirection();
     int launchEvents = platform::simEventSubscribe(
         "launch", [](const std::vector<std::string> &) { deliverLaunch(); });
