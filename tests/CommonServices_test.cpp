@@ -14,8 +14,10 @@
 #include "StAppControlLauncher.h"
 #include "StCircleSurfaceManager.h"
 #include "StInfoModel.h"
+#include "StLog.h"
 #include "StLogManager.h"
 #include "UsageDb.h"
+#include "WDefine.h"
 #include "support/EflTestEnvironment.h"
 
 namespace {
@@ -64,6 +66,20 @@ protected:
         EflTest::TearDown();
     }
 };
+
+// This file is built as by a compiler without __FILE_NAME__.
+TEST_F(CommonServicesTest, LogLinesNameTheSourceFileWithoutItsDirectory) {
+#ifdef __FILE_NAME__
+    FAIL() << "built with __FILE_NAME__";
+#endif
+    ST_ERR("a failure");
+    WERROR("a framework failure");
+    std::string log = logSinceStart();
+    EXPECT_NE(log.find("/W-SETTING("), std::string::npos) << log;
+    EXPECT_NE(log.find("): CommonServices_test.cpp: TestBody("), std::string::npos) << log;
+    EXPECT_NE(log.find("/WAPP("), std::string::npos) << log;
+    EXPECT_EQ(log.find("/CommonServices_test.cpp"), std::string::npos) << log;
+}
 
 TEST_F(CommonServicesTest, CircleSurfaceIsMadeOnceAndOnlyOnSupportedContainers) {
     StCircleSurfaceManager::destroy();

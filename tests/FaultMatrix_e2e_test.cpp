@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <fstream>
 #include <map>
 #include <set>
@@ -39,8 +40,10 @@ struct FailurePoint {
     const char *call;
     const char *key;  // null: the call fails for every key
     int code;
-    char priority;    // of the log line: 'E' error, 'W' warning
-    const char *log;  // null: the failure is silent by design
+    char priority;  // of the log line: 'E' error, 'W' warning
+    // Its log lines, one a line, the first the failure's own, the others those of the callers
+    // that then fail in turn; null: the failure is silent by design.
+    const char *log;
     std::vector<Effect> effects = {};
     // Cells or services whose normal behaviour this point relies on for its log line or its
     // safe value; points that share one are never run together.
@@ -144,7 +147,13 @@ const std::vector<FailurePoint> &failurePoints() {
          "Setting - report diagnostic is not set!!!",
          {{"main2/" + kConsent + "/check", "false"}},
          {"consent-switch"}},
-        {"mdm_get_service", nullptr, -1, 'E', "[MDM] mdm_get_service() failed -1", {}, {"policy"}},
+        {"mdm_get_service",
+         nullptr,
+         -1,
+         'E',
+         "[MDM] mdm_get_service() failed -1\n[MDM] mdm_get_service failed",
+         {},
+         {"policy"}},
         {"mdm_get_allow_usb_debugging", nullptr, -5, 'E', nullptr, {}, {"policy"}},
         {"mdm_register_policy_receiver", nullptr, -5, 'E', nullptr, {}, {"policy"}},
         {"tessid_mdm_platform_is_usb_debugging_change_allowed",
@@ -190,12 +199,13 @@ const std::vector<FailurePoint> &failurePoints() {
          {"colour"}},
         {"uxt_theme_add_color_table", nullptr, -5, 'E', nullptr, {}, {"colour"}},
         // Without the resource directory there is no message catalogue: every text shows as
-        // its string id. The layouts are missing; their pages and the popups still open.
+        // its string id. The layouts are missing; their pages and the popups still open, and
+        // none of it is logged.
         {"app_get_resource_path",
          nullptr,
          -5,
          'E',
-         "app_get_resource_path() failed!",
+         nullptr,
          {{"*", kAny},
           {"consent/popup/text", kAbsent},
           {"licences/layout/text.title", kAbsent},
@@ -247,7 +257,8 @@ const std::vector<FailurePoint> &failurePoints() {
          nullptr,
          -5,
          'E',
-         "tel init error!!",
+         "tel init error!!\n_tapihandle is null\nGetting misc version information is failed\n"
+         "tel_get_misc_me_version_sync() failed.\ntel_get_property_int failed [-2]",
          {{"status/Hardware version", kUnknown},
           {"status/Kesta phone number", kUnknown},
           {"status/IMEI", kUnknown},
@@ -378,7 +389,7 @@ const std::vector<FailurePoint> &failurePoints() {
          nullptr,
          -5,
          'E',
-         "bluetooth initialization failed",
+         "bluetooth initialization failed\nbt address : get bt address with error code:-29359871",
          {{"status/Bluetooth address", "Unavailable"}}},
         {"bt_adapter_get_address",
          nullptr,
@@ -715,6 +726,29 @@ int countLogLines(const std::string &log, char priority, const std::string &mess
     return count;
 }
 
+// The application's own lines ("W-SETTING", and the framework's "WAPP"), as priority and
+// message without colours.
+std::set<std::string> applicationLines(const std::string &log) {
+    std::set<std::string> lines;
+    std::istringstream in(log);
+    std::string line;
+    while (std::getline(in, line)) {
+        size_t tag = line.find('/');
+        size_t start = line.find(") > ");
+        if (tag == std::string::npos || tag < 1 || start == std::string::npos ||
+            (line.compare(tag + 1, 10, "W-SETTING(") != 0 &&
+             line.compare(tag + 1, 5, "WAPP(") != 0))
+            continue;
+        std::string message = line.substr(start + 4);
+        for (const char *colour :
+             {"\033[0;31m* Critical * ", "\033[0;35m", "\033[0;32m", "\033[0;m"})
+            for (size_t at; (at = message.find(colour)) != std::string::npos;)
+                message.erase(at, strlen(colour));
+        lines.insert(line.substr(tag - 1, 1) + " " + message);
+    }
+    return lines;
+}
+
 std::string describe(const FailurePoint &point) {
     return std::string(point.call) + (point.key ? std::string("(") + point.key + ")" : "");
 }
@@ -820,13 +854,23 @@ TEST_P(FaultMatrix, EachFailureIsLoggedShowsItsSafeValueAndLeavesTheRestAlone) {
 
     // Each failure's log line, as many times at least as failures share it.
     std::map<std::pair<char, std::string>, int> logs;
-    for (size_t i : batch)
-        if (points[i].log)
-            ++logs[{points[i].priority, points[i].log}];
+    for (size_t i : batch) {
+        std::istringstream lines(points[i].log ? points[i].log : "");
+        for (std::string line; std::getline(lines, line);)
+            ++logs[{points[i].priority, line}];
+    }
     for (const auto &entry : logs)
         EXPECT_GE(countLogLines(run.log, entry.first.first, entry.first.second), entry.second)
             << entry.first.first << " \"" << entry.first.second << "\" not logged:\n"
             << run.log;
+
+    // And no line of the application's that neither a failure nor the watch without faults
+    // gives.
+    std::set<std::string> allowed = applicationLines(base.log);
+    for (const auto &entry : logs)
+        allowed.insert(std::string(1, entry.first.first) + " " + entry.first.second);
+    for (const std::string &line : applicationLines(run.log))
+        EXPECT_TRUE(allowed.count(line)) << "unexpected log line: " << line;
 }
 
 INSTANTIATE_TEST_SUITE_P(Batches, FaultMatrix, ::testing::Range<size_t>(0, batches().size()));

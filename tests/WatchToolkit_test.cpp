@@ -85,7 +85,7 @@ TEST_F(WatchToolkitTest, BezelMovesTheListOneRowPerDetent) {
     // Once the list is gone the bezel has nothing to move, and nothing breaks.
     evas_object_del(list);
     pressKey("Next");
-    EXPECT_FALSE(eext_rotary_object_event_activated_set(nullptr, EINA_TRUE));
+    eext_rotary_object_event_activated_set(nullptr, EINA_TRUE);
 }
 
 TEST_F(WatchToolkitTest, ColourTablesAreReadAndBadOnesRefused) {

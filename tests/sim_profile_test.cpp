@@ -88,6 +88,12 @@ TEST(Profile, WrongValuesNameTheKeyPathAndTheExpectedType) {
         EXPECT_NE(error.find(c.message), std::string::npos)
             << "profile: " << c.json << "\n error: " << error;
     }
+    nlohmann::json tooMany = {{"esim", {{"profiles", nlohmann::json::array()}}}};
+    for (int i = 0; i < 256; ++i)
+        tooMany["esim"]["profiles"].push_back(nlohmann::json::object());
+    EXPECT_NE(
+        parseError(tooMany.dump()).find("esim.profiles: expected at most 255 entries, found 256"),
+        std::string::npos);
 }
 
 TEST(Profile, UnknownKeysAreWarnedAboutNotRefused) {

@@ -7,8 +7,16 @@
 // source file, function and line. Failures are red "Critical" lines.
 #define ST_LOG_TAG "W-SETTING"
 
-#define ST_LOG_(prio, fmt, ...)                                                          \
-    dlog_print(prio, ST_LOG_TAG, "%s: %s(%d) > " fmt, __FILE_NAME__, __func__, __LINE__, \
+// __FILE_NAME__ comes with GCC 12 and Clang 9; older compilers cut __FILE__ at its last slash.
+#ifdef __FILE_NAME__
+#define ST_LOG_FILE_NAME __FILE_NAME__
+#else
+#define ST_LOG_FILE_NAME \
+    (__builtin_strrchr(__FILE__, '/') ? __builtin_strrchr(__FILE__, '/') + 1 : __FILE__)
+#endif
+
+#define ST_LOG_(prio, fmt, ...)                                                             \
+    dlog_print(prio, ST_LOG_TAG, "%s: %s(%d) > " fmt, ST_LOG_FILE_NAME, __func__, __LINE__, \
                ##__VA_ARGS__)
 
 #define ST_ERR(fmt, ...) \

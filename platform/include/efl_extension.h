@@ -46,7 +46,7 @@ void eext_circle_object_scroller_policy_set(Evas_Object *obj, Elm_Scroller_Polic
                                             Elm_Scroller_Policy policy_v);
 
 /* Only one object receives rotary events at a time: the one activated last. */
-Eina_Bool eext_rotary_object_event_activated_set(Evas_Object *obj, Eina_Bool activated);
+void eext_rotary_object_event_activated_set(Evas_Object *obj, Eina_Bool activated);
 Eina_Bool eext_rotary_object_event_callback_add(Evas_Object *obj, Eext_Rotary_Event_Cb func,
                                                 void *data);
 void *eext_rotary_object_event_callback_del(Evas_Object *obj, Eext_Rotary_Event_Cb func);

@@ -14,7 +14,8 @@ typedef struct esim_s *esim_h;
 #define ESIM_ERROR_NOT_SUPPORTED (-1073741822)
 #define ESIM_ERROR_OPERATION_FAILED (-1073741823)
 
-#define ESIM_PROFILE_MAX 8
+/* The list counts its profiles in a byte; the service allocates just the entries it counts. */
+#define ESIM_PROFILE_MAX 255
 
 /* Event types: 0 the service's state, 1 a change of the profiles (data: an int). */
 #define ESIM_EVENT_STATE 0

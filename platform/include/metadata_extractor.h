@@ -19,8 +19,8 @@ typedef enum {
 
 typedef enum {
     METADATA_DURATION = 0,
-    METADATA_ARTIST = 7,
-    METADATA_ALBUM = 8,
+    METADATA_ARTIST = 11,
+    METADATA_ALBUM = 13,
     METADATA_TITLE = 12,
 } metadata_extractor_attr_e;
 

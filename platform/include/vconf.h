@@ -7,8 +7,8 @@ extern "C" {
 
 #define VCONF_OK 0
 #define VCONF_ERROR -1
-#define VCONF_ERROR_WRONG_TYPE -2
-#define VCONF_ERROR_FILE_NO_ENT -10
+#define VCONF_ERROR_WRONG_TYPE -3
+#define VCONF_ERROR_FILE_NO_ENT -14
 
 enum vconf_t {
     VCONF_TYPE_NONE = 0,

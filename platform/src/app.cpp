@@ -12,6 +12,7 @@
 #include <vconf.h>
 
 #include <libintl.h>
+#include <sys/stat.h>
 #include <locale.h>
 
 #include <cstdlib>
@@ -218,7 +219,17 @@ int app_event_get_language(app_event_info_h event_info, char **lang) {
 char *app_get_resource_path(void) {
     if (platform::fault("app_get_resource_path", nullptr, nullptr))
         return nullptr;
-    return strdup((platform::dataDir() + "/res/").c_str());
+    std::string dir = platform::dataDir() + "/res/";
+    // The application does not report a layout it cannot load; the watch's builder hears of it.
+    static bool checked = false;
+    struct stat st;
+    if (!checked && stat((dir + "edje").c_str(), &st) != 0)
+        dlog_print(DLOG_WARN, kTag,
+                   "%sedje is missing: the application's layouts and images "
+                   "will not show",
+                   dir.c_str());
+    checked = true;
+    return strdup(dir.c_str());
 }
 
 char *app_get_data_path(void) {

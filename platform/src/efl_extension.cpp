@@ -449,9 +449,9 @@ void eext_circle_object_scroller_policy_set(Evas_Object *obj, Elm_Scroller_Polic
     eext_circle_object_genlist_scroller_policy_set(obj, policy_h, policy_v);
 }
 
-Eina_Bool eext_rotary_object_event_activated_set(Evas_Object *obj, Eina_Bool activated) {
+void eext_rotary_object_event_activated_set(Evas_Object *obj, Eina_Bool activated) {
     if (!obj || platform::fault(__func__, nullptr, nullptr))
-        return EINA_FALSE;
+        return;
     if (activated) {
         g_rotaryObject = obj;
         watchDeletion(obj);
@@ -461,7 +461,6 @@ Eina_Bool eext_rotary_object_event_activated_set(Evas_Object *obj, Eina_Bool act
     } else if (g_rotaryObject == obj) {
         g_rotaryObject = nullptr;
     }
-    return EINA_TRUE;
 }
 
 Eina_Bool eext_rotary_object_event_callback_add(Evas_Object *obj, Eext_Rotary_Event_Cb func,

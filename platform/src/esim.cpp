@@ -1,7 +1,6 @@
 // The eSIM service of the simulated watch, from the profile's "esim" section:
 //   "esim": {"eid": "8904...", "profiles": [{"name": "Nerova Mobile", "kind": 2, "state": 1}],
-//            "profile_list_result": 0, "eid_result": 0,
-//            "profile_count": 3 (the count the list announces, when it lies about its entries)}
+//            "profile_list_result": 0, "eid_result": 0}
 //   "latency": {"esim_profile_list_ms": 1500, "esim_eid_ms": 1500}
 // The service exists when the vendor key tizen/feature/esim.phase is 1.
 // `quillset-sim event esim TYPE DATA [--profiles FILE]` raises an event, with a new profile
@@ -16,6 +15,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -83,6 +83,13 @@ std::vector<Profile> parseProfiles(const nlohmann::json &list) {
     if (!list.is_array())
         return out;
     for (const auto &entry : list) {
+        if (out.size() == ESIM_PROFILE_MAX) {
+            dlog_print(DLOG_WARN, kTag,
+                       "eSIM profiles after the first %d ignored: the list counts "
+                       "them in a byte",
+                       ESIM_PROFILE_MAX);
+            break;
+        }
         if (!entry.is_object())
             continue;
         try {
@@ -133,18 +140,14 @@ Eina_Bool profileListReplyCb(void *data) {
     platform::awaitReplies(-1);
     int result = replyResult("profile_list_result");
     std::vector<Profile> profiles = currentProfiles();
-    esim_profile_list_s list = {};
-    size_t count = profiles.size() < ESIM_PROFILE_MAX ? profiles.size() : ESIM_PROFILE_MAX;
-    list.count = static_cast<unsigned char>(count);
-    auto announced = section().find("profile_count");
-    if (announced != section().end() && announced->is_number_integer())
-        list.count = static_cast<unsigned char>(announced->get<int>());
-    for (size_t i = 0; i < count; ++i) {
-        list.profiles[i].name = const_cast<char *>(profiles[i].name.c_str());
-        list.profiles[i].kind = profiles[i].kind;
-        list.profiles[i].state = profiles[i].state;
+    auto list = std::make_unique<esim_profile_list_s>();
+    list->count = static_cast<unsigned char>(profiles.size());
+    for (size_t i = 0; i < profiles.size(); ++i) {
+        list->profiles[i].name = const_cast<char *>(profiles[i].name.c_str());
+        list->profiles[i].kind = profiles[i].kind;
+        list->profiles[i].state = profiles[i].state;
     }
-    request->listCallback(request->handle, result, result == ESIM_ERROR_NONE ? &list : nullptr,
+    request->listCallback(request->handle, result, result == ESIM_ERROR_NONE ? list.get() : nullptr,
                           request->userData);
     delete request;
     return ECORE_CALLBACK_CANCEL;

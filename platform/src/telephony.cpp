@@ -7,7 +7,8 @@
 //   "latency": {"msisdn_ms": 1500}
 // `quillset-sim event sim-refresh [--msisdn NUMBER]` refreshes the SIM (with a new number).
 
-#include <telephony.h>
+#include <ITapiModem.h>
+#include <ITapiSim.h>
 
 #include <Ecore.h>
 #include <dlog.h>
@@ -81,9 +82,12 @@ std::string text(const nlohmann::json &object, const char *key) {
     return it != object.end() && it->is_string() ? it->get<std::string>() : "";
 }
 
-void copyField(char *field, size_t size, const std::string &value) {
-    strncpy(field, value.c_str(), size - 1);
-    field[size - 1] = '\0';
+// The modem's records hold their texts in char or unsigned char fields.
+template <typename Char>
+void copyField(Char *field, size_t size, const std::string &value) {
+    size_t length = strnlen(value.c_str(), size - 1);
+    memcpy(field, value.c_str(), length);
+    memset(field + length, 0, size - length);
 }
 
 void simRefreshed(TapiHandle *handle, const std::vector<std::string> &args) {

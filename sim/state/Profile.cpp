@@ -17,6 +17,9 @@ using Json = nlohmann::json;
 
 namespace {
 
+// The eSIM service's list counts its profiles in a byte.
+const size_t kEsimProfilesMax = 255;
+
 // Far more than any watch needs; a bigger file is not a profile.
 const long long kMaxProfileBytes = 4 * 1024 * 1024;
 const int kMaxNesting = 64;
@@ -109,10 +112,15 @@ public:
         };
     }
 
-    Rule arrayOf(Rule each) {
-        return [this, each](const Json &v, const std::string &path) {
+    Rule arrayOf(Rule each, size_t maxSize = SIZE_MAX) {
+        return [this, each, maxSize](const Json &v, const std::string &path) {
             if (!v.is_array())
                 return fail(path, "an array", v);
+            if (v.size() > maxSize) {
+                _error = _source + ": " + path + ": expected at most " + std::to_string(maxSize) +
+                         " entries, found " + std::to_string(v.size());
+                return false;
+            }
             for (size_t k = 0; k < v.size(); ++k)
                 if (!each(v[k], path + "[" + std::to_string(k) + "]"))
                     return false;
@@ -276,18 +284,18 @@ bool validate(const Json &json, const std::string &source, std::vector<std::stri
          }},
         {"esim",
          [&c](const Json &v, const std::string &path) {
-             return c.fields(
-                 v, path,
-                 {{"eid", c.string()},
-                  {"profiles", c.arrayOf([&c](const Json &e, const std::string &at) {
-                       return c.fields(
-                           e, at,
-                           {{"name", c.string()}, {"kind", c.integer()}, {"state", c.integer()}});
-                   })},
-                  {"profile_list_result", c.integer()},
-                  {"eid_result", c.integer()},
-                  // The count the list announces, when it lies about its entries.
-                  {"profile_count", c.integer(0, 255)}});
+             return c.fields(v, path,
+                             {{"eid", c.string()},
+                              {"profiles", c.arrayOf(
+                                               [&c](const Json &e, const std::string &at) {
+                                                   return c.fields(e, at,
+                                                                   {{"name", c.string()},
+                                                                    {"kind", c.integer()},
+                                                                    {"state", c.integer()}});
+                                               },
+                                               kEsimProfilesMax)},
+                              {"profile_list_result", c.integer()},
+                              {"eid_result", c.integer()}});
          }},
         {"bluetooth",
          [&c](const Json &v, const std::string &path) {

@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     }
 
     auto profiles = StInfoStatusRecordReader::esimProfiles(*list);
-    FUZZ_CHECK(profiles.size() <= ESIM_PROFILE_MAX);
+    FUZZ_CHECK(profiles.size() == list->count);
     for (size_t i = 0; i < profiles.size(); ++i) {
         const esim_profile_s &entry = list->profiles[i];
         FUZZ_CHECK(profiles[i]->name == (entry.name ? entry.name : ""));

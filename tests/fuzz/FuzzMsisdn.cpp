@@ -1,6 +1,6 @@
 // The SIM's MSISDN list as the telephony service answers it, made of the input's bytes.
 
-#include <telephony.h>
+#include <ITapiSim.h>
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,8 @@
 // serial-number record and the ICCID record, each made of the input's bytes. The first byte
 // also picks the carrier whose ICCID layout applies.
 
-#include <telephony.h>
+#include <ITapiModem.h>
+#include <ITapiSim.h>
 
 #include <cstdint>
 #include <string>
@@ -34,16 +35,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     auto iccid = recordFrom<TelSimIccIdRecord_t>(data, size);
     std::string salesCode =
         kSalesCodes[size ? data[0] % (sizeof(kSalesCodes) / sizeof(kSalesCodes[0])) : 0];
-    std::string shown;
-    bool present = StInfoStatusRecordReader::iccid(*iccid, salesCode, &shown);
-    FUZZ_CHECK(present == (iccid->icc_length > 0));
-    if (present && salesCode.size() == 3 && salesCode[0] != 'V' && salesCode != "kto") {
+    std::string shown = StInfoStatusRecordReader::iccid(*iccid, salesCode);
+    if (salesCode.size() == 3 && salesCode[0] != 'V' && salesCode != "kto") {
         // Split after the sixth digit and closed with an F (unless cut at 255 characters), or
         // nothing at all.
         FUZZ_CHECK(shown.size() < 256);
         FUZZ_CHECK(shown.empty() || (shown.size() >= 9 && shown[6] == ' ' &&
                                      (shown.back() == 'F' || shown.size() == 255)));
-    } else if (present) {
+    } else {
         FUZZ_CHECK(shown.size() <= sizeof(iccid->icc_num));
     }
     return 0;

@@ -25,10 +25,8 @@ const char *const kColorTableFile = "tables/setting_style_ChangeableColorInfo.xm
 StInfoApp::StInfoApp() : _colorTable(nullptr) {}
 
 void StInfoApp::bindTextDomain() {
-    char *resourcePath = app_get_resource_path();
     // Without it the texts show as their string ids; the screens still work.
-    if (!resourcePath)
-        ST_ERR("app_get_resource_path() failed!");
+    char *resourcePath = app_get_resource_path();
     std::string localeDir = std::string(resourcePath ? resourcePath : "") + "locale";
     free(resourcePath);
     bindtextdomain(ST_INFO_TEXT_DOMAIN, localeDir.c_str());

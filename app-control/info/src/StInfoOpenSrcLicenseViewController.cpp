@@ -113,8 +113,7 @@ Evas_Object *StInfoOpenSrcLicenseViewController::onCreateView(Evas_Object *paren
     }
     Evas_Object *content = elm_layout_add(scroller);
     // Without its layout the page keeps its frame and stays empty.
-    if (!elm_layout_file_set(content, path, "setting/help/layout"))
-        ST_ERR("layout setting/help/layout of '%s' cannot be loaded", path);
+    elm_layout_file_set(content, path, "setting/help/layout");
     evas_object_size_hint_weight_set(content, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
     elm_object_content_set(scroller, content);
 

@@ -26,8 +26,7 @@ void decorateIconButton(Evas_Object *button, const char *nameId, const char *ima
     Evas_Object *image = elm_image_add(button);
     std::string file = resourceFile("edje/common_images.edj");
     // The button keeps its spoken name without its icon.
-    if (!elm_image_file_set(image, file.c_str(), imageGroup))
-        ST_ERR("image %s of '%s' cannot be loaded", imageGroup, file.c_str());
+    elm_image_file_set(image, file.c_str(), imageGroup);
     evas_object_size_hint_weight_set(image, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
     elm_object_part_content_set(button, "elm.swallow.content", image);
 }

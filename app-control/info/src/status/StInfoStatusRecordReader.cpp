@@ -8,10 +8,12 @@ namespace {
 // Carriers that show the ICCID split after the sixth digit and closed with an F.
 const char *const kSplitIccidSalesCodes[] = {"SKC", "SKO", "KTC", "KTO", "LUC", "LUO"};
 
-// A NUL-terminated text within a field of the record; a full field has no terminator.
-template <size_t N>
-std::string fieldText(const char (&field)[N]) {
-    return std::string(field, strnlen(field, N));
+// A NUL-terminated text within a field of the record; a full field has no terminator. The
+// modem's records declare their texts as unsigned char, the SIM's as char.
+template <typename Char, size_t N>
+std::string fieldText(const Char (&field)[N]) {
+    const char *text = reinterpret_cast<const char *>(field);
+    return std::string(text, strnlen(text, N));
 }
 
 }  // namespace
@@ -47,10 +49,8 @@ std::string StInfoStatusRecordReader::msisdn(const TelSimMsisdnList_t &list) {
     return fieldText(list.list[0].num);
 }
 
-bool StInfoStatusRecordReader::iccid(const TelSimIccIdRecord_t &record,
-                                     const std::string &salesCode, std::string *text) {
-    if (record.icc_length <= 0)
-        return false;
+std::string StInfoStatusRecordReader::iccid(const TelSimIccIdRecord_t &record,
+                                            const std::string &salesCode) {
     std::string digits = fieldText(record.icc_num);
     for (const char *code : kSplitIccidSalesCodes) {
         if (salesCode != code)
@@ -58,19 +58,15 @@ bool StInfoStatusRecordReader::iccid(const TelSimIccIdRecord_t &record,
         char buffer[256] = {0};
         if (record.icc_length > 6 && digits.size() > 6)
             snprintf(buffer, sizeof(buffer), "%.6s %sF", digits.c_str(), digits.c_str() + 6);
-        *text = buffer;
-        return true;
+        return buffer;
     }
-    *text = digits;
-    return true;
+    return digits;
 }
 
 std::vector<std::shared_ptr<StInfoStatusModel::StInfoEsimProfile>>
 StInfoStatusRecordReader::esimProfiles(const esim_profile_list_s &list) {
     std::vector<std::shared_ptr<StInfoStatusModel::StInfoEsimProfile>> profiles;
-    // The count is a byte, the list holds fewer entries: a larger count is read as a full list.
-    unsigned count = list.count < ESIM_PROFILE_MAX ? list.count : ESIM_PROFILE_MAX;
-    for (unsigned i = 0; i < count; ++i) {
+    for (unsigned i = 0; i < list.count; ++i) {
         const esim_profile_s &entry = list.profiles[i];
         auto profile = std::make_shared<StInfoStatusModel::StInfoEsimProfile>();
         profile->name = entry.name ? entry.name : "";

@@ -2,7 +2,8 @@
 #define _ST_INFO_STATUS_RECORD_READER_H_
 
 #include <esim.h>
-#include <telephony.h>
+#include <ITapiModem.h>
+#include <ITapiSim.h>
 
 #include <memory>
 #include <string>
@@ -11,8 +12,8 @@
 #include "StInfoStatusModel.h"
 
 // Reads the records that the telephony and eSIM services hand to the status model, at the byte
-// offsets those services lay them out. The services fill the records, so nothing in them is
-// trusted: every text is cut at the end of its field and every count at the end of its list.
+// offsets those services lay them out. Every text is cut at the end of its field, so that a full
+// field does not run into the next; a list is read to the count the service gives it.
 class StInfoStatusRecordReader {
 public:
     // Texts of the modem's misc version record; empty when the field is.
@@ -28,11 +29,10 @@ public:
     // The first subscriber's number of an MSISDN list; empty when the list has none.
     static std::string msisdn(const TelSimMsisdnList_t &list);
 
-    // The ICCID as the carrier of salesCode shows it; false when the record holds none.
-    static bool iccid(const TelSimIccIdRecord_t &record, const std::string &salesCode,
-                      std::string *text);
+    // The ICCID of a record that holds one, as the carrier of salesCode shows it.
+    static std::string iccid(const TelSimIccIdRecord_t &record, const std::string &salesCode);
 
-    // The profiles of an eSIM profile list, in its order.
+    // The profiles of an eSIM profile list, in its order, as many as its first byte counts.
     static std::vector<std::shared_ptr<StInfoStatusModel::StInfoEsimProfile>> esimProfiles(
         const esim_profile_list_s &list);
 

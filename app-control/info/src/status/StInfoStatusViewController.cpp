@@ -95,10 +95,8 @@ Evas_Object *StInfoStatusViewController::onCreateView(Evas_Object *parent, void 
 void StInfoStatusViewController::_launchEsimSettings() {
     _keyStringTapCount = 0;
     app_control_h request = nullptr;
-    if (app_control_create(&request) != APP_CONTROL_ERROR_NONE) {
-        ST_ERR("app_control_create failed");
+    if (app_control_create(&request) != APP_CONTROL_ERROR_NONE)
         return;
-    }
     app_control_set_app_id(request, kEsimSettingsAppId);
     app_control_add_extra_data(request, "mode", "profile_list");
     app_control_set_launch_mode(request, APP_CONTROL_LAUNCH_MODE_GROUP);
@@ -112,10 +110,8 @@ void StInfoStatusViewController::_countKeyStringTap() {
     _keyStringTapCount = 0;
     // The service menu opens on its own, without blocking input.
     app_control_h request = nullptr;
-    if (app_control_create(&request) != APP_CONTROL_ERROR_NONE) {
-        ST_ERR("app_control_create failed");
+    if (app_control_create(&request) != APP_CONTROL_ERROR_NONE)
         return;
-    }
     app_control_set_operation(request, kSendTextOperation);
     app_control_set_app_id(request, kKeyStringAppId);
     app_control_send_launch_request(request, nullptr, nullptr);
