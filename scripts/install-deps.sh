@@ -15,7 +15,7 @@ packages=(
     gettext
     libgtest-dev libgmock-dev
     libbenchmark-dev valgrind
-    fonts-dejavu-core fonts-dejavu-extra
+    fonts-dejavu-core fonts-dejavu-extra fonts-wqy-microhei fonts-noto-ui-core
     xvfb xauth
     at-spi2-core python3-pyatspi dbus-x11 xdotool
     python3 python3-jsonschema

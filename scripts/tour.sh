@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# `make tour`: every screen of every device profile, in English and in German, as a PNG and a
-# dump each, then a contact sheet out/tour/index.html. Two watches run side by side.
+# `make tour`: every screen of every device profile in each of the six languages, as a PNG and
+# a dump each, then a contact sheet out/tour/index.html. Two watches run side by side.
 #   scripts/tour.sh BUILD [PROFILE...]      (default: every shipped profile)
 set -uo pipefail
 build=${1:-build}
@@ -8,7 +8,7 @@ shift || true
 bin="$(cd "$build/bin" && pwd)"
 top="$(cd "$(dirname "$0")/.." && pwd)"
 out="${TOUR_OUT:-$top/out/tour}"
-languages=(en de)
+languages=(en de zh_CN ko hi ar)
 jobs=${TOUR_JOBS:-2}
 
 # A second terminal's watch must not be toured by accident.
@@ -38,11 +38,11 @@ walk() {
     local profile=$1 lang=$2 dir="$out/$1/$2"
     mkdir -p "$dir"
     local start=$SECONDS
-    {
-        [ "$lang" = en ] || printf 'sim event language %s\nwait 300\n' "$lang"
-        printf 'tour %s\n' "$dir"
-    } | "$bin/quillset-sim" run --profile "$profile" -- "$bin/quillset-drive" \
-        >"$dir/tour.jsonl" 2>"$dir/tour.log"
+    # The language is set before the watch starts: some profiles start in another one.
+    printf 'tour %s\n' "$dir" |
+        "$bin/quillset-sim" run --profile "$profile" -- sh -c \
+            'quillset-sim event language "$0" && exec quillset-drive' "$lang" \
+            >"$dir/tour.jsonl" 2>"$dir/tour.log"
     local status=$?
     local screens
     screens=$(find "$dir" -name '*.png' | wc -l)
@@ -59,7 +59,7 @@ failed=0
 done_count=0
 while read -r profile lang result screens seconds; do
     done_count=$((done_count + 1))
-    printf 'tour: [%2d/%d] %-16s %s  %3d screens  %3ds  %s\n' "$done_count" "$total" "$profile" \
+    printf 'tour: [%2d/%d] %-16s %-5s  %3d screens  %3ds  %s\n' "$done_count" "$total" "$profile" \
         "$lang" "$screens" "$seconds" "$result"
     if [ "$result" != ok ]; then
         failed=1

@@ -55,12 +55,18 @@ const ProfileRows kProfileRows[] = {
       "ICCID", "WLAN MAC address", "Bluetooth address", "Serial number"}},
 };
 
+// The Korean carrier's and the China watch start in their own language; these tests read
+// English labels.
+void inEnglish(json &profile) {
+    profile["settings"]["db/menu_widget/language"] = "en_US.UTF-8";
+}
+
 }  // namespace
 
 TEST(StatusPageE2E, EachProfileListsTheRowsItsDeviceCallsForWithValues) {
     for (const auto &expected : kProfileRows) {
         SCOPED_TRACE(expected.profile);
-        SimulatedWatch watch(expected.profile);
+        SimulatedWatch watch(profileWith(expected.profile, inEnglish));
         auto run = watch.drive(kOpen + "wait 1700\ndump\n");
         ASSERT_EQ(run.status, 0) << run.errors;
         const json &screen = run.dumps.at(0);
@@ -164,7 +170,7 @@ TEST(StatusPageE2E, SimRefreshAndEsimEventsUpdateTheOpenPage) {
 }
 
 TEST(StatusPageE2E, KoreanCarrierShowsNationalNumberSplitIccidSerialAndBarcode) {
-    SimulatedWatch watch("kr-carrier");
+    SimulatedWatch watch(profileWith("kr-carrier", inEnglish));
     auto run = watch.drive(kOpen + "dump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
     const json &screen = run.dumps.at(0);
@@ -222,7 +228,10 @@ TEST(StatusPageE2E, AbsentSilentOrLateDeviceDaemonNeverHangsThePage) {
     EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), kUnknown);
     EXPECT_NE(absent.platformLog().find("fail send message"), std::string::npos);
 
-    SimulatedWatch empty(profileWith("kr-carrier", [](json &p) { p["deviced"]["serial"] = ""; }));
+    SimulatedWatch empty(profileWith("kr-carrier", [](json &p) {
+        inEnglish(p);
+        p["deviced"]["serial"] = "";
+    }));
     run = empty.drive(kOpen + "dump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
     EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), kUnknown);
@@ -230,6 +239,7 @@ TEST(StatusPageE2E, AbsentSilentOrLateDeviceDaemonNeverHangsThePage) {
     EXPECT_NE(empty.platformLog().find("no serial info is returned."), std::string::npos);
 
     SimulatedWatch late(profileWith("kr-carrier", [](json &p) {
+        inEnglish(p);
         p["deviced"]["serial"] = "A,B,C";
         p["deviced"]["reply_delay_ms"] = 300;
     }));
@@ -238,8 +248,10 @@ TEST(StatusPageE2E, AbsentSilentOrLateDeviceDaemonNeverHangsThePage) {
     EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), "A");
     EXPECT_EQ(rowValue(run.dumps.at(0), "Barcode number"), "C");
 
-    SimulatedWatch noComma(
-        profileWith("kr-carrier", [](json &p) { p["deviced"]["serial"] = "SN1"; }));
+    SimulatedWatch noComma(profileWith("kr-carrier", [](json &p) {
+        inEnglish(p);
+        p["deviced"]["serial"] = "SN1";
+    }));
     run = noComma.drive(kOpen + "dump\n");
     ASSERT_EQ(run.status, 0) << run.errors;
     EXPECT_EQ(rowValue(run.dumps.at(0), "Serial number"), "SN1");

@@ -4,14 +4,18 @@
 Usage: po_check.py SOURCE_ROOT
 
 Problems reported, each naming the catalogue and the id:
-- a string id used in the sources (app-control/, common/: a C/C++ string literal that is an id
+- a string id used in the sources (app-control/, common/, res/: a C/C++ or Edje string literal
+  that is an id
   such as "WDS_ST_BODY_ABOUT_KESTA_ABB") is missing from a catalogue;
 - a catalogue lacks an id that another catalogue has;
 - a translation is empty, or marked fuzzy (msgfmt leaves fuzzy entries out, so the screen
-  would show the bare id);
+  would show the bare id), or untranslated: the bare id, or the English phrase itself (a
+  single word or an abbreviation such as "OK" or "IMEI SV" may stay as in English);
 - an id appears twice in one catalogue;
 - an entry is c-format in one catalogue but not in another, or holds a '%' without saying
-  whether it is a format string (c-format or no-c-format), so msgfmt would not check it.
+  whether it is a format string (c-format or no-c-format), so msgfmt would not check it;
+- a translation's format directives differ from the English text's (the same directives,
+  positional ones included, in any order).
 """
 
 import os
@@ -19,8 +23,8 @@ import re
 import sys
 
 ID = re.compile(r'^(WDS|IDS|MIDS|LDS)_[A-Z0-9_]+$')
-SOURCE_DIRS = ('app-control', 'common')
-SOURCE_SUFFIXES = ('.c', '.cc', '.cpp', '.cxx', '.h', '.hh', '.hpp', '.hxx')
+SOURCE_DIRS = ('app-control', 'common', 'res')
+SOURCE_SUFFIXES = ('.c', '.cc', '.cpp', '.cxx', '.h', '.hh', '.hpp', '.hxx', '.edc', '.edh')
 FORMAT_FLAGS = ('c-format', 'no-c-format')
 
 
@@ -112,6 +116,7 @@ def check(root):
     sys.dont_write_bytecode = True  # keep the source tree free of __pycache__
     sys.path.insert(0, os.path.join(root, 'po'))
     import pofile
+    from check_formats import _DIRECTIVE as directive
 
     po_dir = os.path.join(root, 'po')
     names = sorted(n for n in os.listdir(po_dir) if n.endswith('.po')) if os.path.isdir(
@@ -147,6 +152,26 @@ def check(root):
                 problems.append('%s contains "%%" but is marked neither c-format nor '
                                 'no-c-format' % where)
         catalogues[rel] = by_id
+
+    english = catalogues.get('po/en.po', {})
+    for rel, by_id in catalogues.items():
+        if rel == 'po/en.po':
+            continue
+        for key, e in by_id.items():
+            ref = english.get(key)
+            if ref is None:
+                continue
+            where = '%s:%d: %s' % (rel, e.line, e.msgid)
+            source = ref.translations()[0]
+            for text in e.translations():
+                if text == e.msgid or (text == source and ' ' in source and
+                                       source != source.upper()):
+                    problems.append('%s is not translated: %r' % (where, text))
+                if 'c-format' in ref.flags and \
+                        sorted(directive.findall(text)) != sorted(directive.findall(source)):
+                    problems.append('%s has the format directives %s, English has %s'
+                                    % (where, ' '.join(sorted(directive.findall(text))) or
+                                       'none', ' '.join(sorted(directive.findall(source)))))
 
     for ident, used_at in sorted(source_ids(root).items()):
         for rel, by_id in catalogues.items():

@@ -64,13 +64,15 @@ def catalogue(lang, entries, extra=''):
 
 
 class Tree:
-    """A throw-away source tree with po/ (our own pofile.py) and app-control/."""
+    """A throw-away source tree with po/ (our own pofile.py and check_formats.py) and
+    app-control/."""
 
     def __init__(self):
         self.root = tempfile.mkdtemp(prefix='quillset-po-test-')
         os.makedirs(os.path.join(self.root, 'po'))
         os.makedirs(os.path.join(self.root, 'app-control', 'info', 'src'))
-        shutil.copy(os.path.join(ROOT, 'po', 'pofile.py'), os.path.join(self.root, 'po'))
+        for name in ('pofile.py', 'check_formats.py'):
+            shutil.copy(os.path.join(ROOT, 'po', name), os.path.join(self.root, 'po'))
         self.write('app-control/info/src/StInfoThing.cpp', SOURCE)
 
     def write(self, rel, text):
@@ -179,6 +181,28 @@ class PoCheckTest(unittest.TestCase):
         self.assertRegex(out, r'po/de\.po:\d+: WDS_PS contains "%" but is marked neither')
         self.assertRegex(out, r'po/de\.po:\d+: WDS_PS is not marked c-format, unlike in '
                               r'po/en\.po')
+
+    def test_untranslated_texts_and_other_directives_fail(self):
+        en = '#, c-format\nmsgid "WDS_P1SS_P2SS"\nmsgstr "Copy %1$s with %2$s."\n'
+        cases = [  # (German text of an entry, of WDS_P1SS_P2SS, problem or None)
+            ({'IDS_RAW_IS_NOT_SKIPPED': 'IDS_RAW_IS_NOT_SKIPPED'}, '%1$s mit %2$s kopieren.',
+             'IDS_RAW_IS_NOT_SKIPPED is not translated'),
+            ({'WDS_ST_POP_A_LONG_ID_SPLIT_OVER_TWO_LINES': 'Long text'}, '%2$s: %1$s kopieren.',
+             'WDS_ST_POP_A_LONG_ID_SPLIT_OVER_TWO_LINES is not translated'),
+            ({'IDS_RAW_IS_NOT_SKIPPED': 'Raw'}, '%2$s: %1$s kopieren.', None),
+            ({}, '%1$s mit %s kopieren.', 'WDS_P1SS_P2SS has the format directives %1$s %s, '
+                                          'English has %1$s %2$s'),
+            ({}, '%1$s kopieren.', 'WDS_P1SS_P2SS has the format directives %1$s, English'),
+        ]
+        for entries, formatted, problem in cases:
+            with self.subTest(entries=entries, formatted=formatted):
+                self.tree.write('po/en.po', catalogue('en', ENTRIES_EN, en))
+                self.tree.write('po/de.po', catalogue('de', dict(ENTRIES_DE, **entries), (
+                    '#, c-format\nmsgid "WDS_P1SS_P2SS"\nmsgstr "%s"\n' % formatted)))
+                code, out = self.tree.po_check()
+                self.assertEqual(code, 1 if problem else 0, out)
+                if problem:
+                    self.assertIn(problem, out)
 
     def test_duplicate_id_and_unreadable_catalogue_fail(self):
         dup = catalogue('de', ENTRIES_DE, 'msgid "IDS_RAW_IS_NOT_SKIPPED"\nmsgstr "Roh"\n')

@@ -77,8 +77,16 @@ void readLanguage() {
     free(value);
 }
 
+// Which way the language reads, as the toolkit itself tells it at start: its own catalogue
+// translates "default:LTR" to "default:RTL" for Arabic, Hebrew and the like. Layouts and
+// popups mirror with it.
+void applyDirection() {
+    elm_config_mirrored_set(!strcmp(dgettext("efl", "default:LTR"), "default:RTL"));
+}
+
 void languageChangedCb(keynode_t *, void *) {
     readLanguage();
+    applyDirection();
     app_event_info info{APP_EVENT_LANGUAGE_CHANGED, g_language};
     std::list<app_event_handler *> handlers(g_handlers);
     for (app_event_handler *handler : handlers) {
@@ -135,6 +143,10 @@ int ui_app_main(int argc, char **argv, ui_app_lifecycle_callback_s *callback, vo
     setenv("ELM_SCALE", "1.3", 0);
     elm_init(argc, argv);
     loadWatchTheme();
+    // The toolkit hears the watch's language from the start, as on every change: Edje
+    // translates the texts its layouts carry only once it has one.
+    elm_language_set(g_language.c_str());
+    applyDirection();
     int launchEvents = platform::simEventSubscribe(
         "launch", [](const std::vector<std::string> &) { deliverLaunch(); });
     vconf_notify_key_changed(kLanguageKey, languageChangedCb, nullptr);

@@ -201,8 +201,16 @@ void circleBarDeleteJob(void *data) {
 }
 
 // The watch's lists show a new language at once: their rows' texts come from callbacks, which
-// upstream's genlist does not ask again when the language changes.
+// upstream's genlist does not ask again when the language changes. A language that reads the
+// other way re-applies the theme, after which upstream's genlist in compress mode realises no
+// row until its size changes: it is given a change of size that ends where it began.
 void languageChangedCb(void *, Evas_Object *genlist, void *) {
+    Evas_Coord w = 0, h = 0;
+    evas_object_geometry_get(genlist, nullptr, nullptr, &w, &h);
+    if (w > 1) {
+        evas_object_resize(genlist, w - 1, h);
+        evas_object_resize(genlist, w, h);
+    }
     elm_genlist_realized_items_update(genlist);
 }
 

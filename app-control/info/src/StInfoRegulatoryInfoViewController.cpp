@@ -54,6 +54,16 @@ Evas_Object *StInfoRegulatoryInfoViewController::onCreateView(Evas_Object *paren
 
     elm_object_domain_translatable_part_text_set(content, "text.title", ST_INFO_TEXT_DOMAIN,
                                                  kTitle);
+    // The layout's own texts are string ids too; they follow the language like the title.
+    static const char *const kLayoutTexts[][2] = {
+        {"caption.conformity", "WDS_ST_BODY_CONFORMITY_ABB"},
+        {"caption.registration", "WDS_ST_BODY_REGISTERED_ABB"},
+        {"caption.radio", "WDS_ST_BODY_RADIO_ABB"},
+        {"text.statements", "WDS_ST_BODY_REGULATORY_STATEMENTS"},
+    };
+    for (const auto &text : kLayoutTexts)
+        elm_object_domain_translatable_part_text_set(content, text[0], ST_INFO_TEXT_DOMAIN,
+                                                     text[1]);
     return frame;
 }
 
