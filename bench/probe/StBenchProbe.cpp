@@ -21,6 +21,8 @@ namespace {
 
 // Rows and pages settle (scrolling, transitions) before the next step is taken.
 const double kSettleSeconds = 0.4;
+// How long a finger rests on a row it taps.
+const double kTapHoldSeconds = 0.08;
 // A brisk turn of the bezel: about seven detents a second.
 const double kDetentSeconds = 0.15;
 const char *const kCheckParts[] = {"elm.icon", "elm.swallow.icon", "elm.swallow.end"};
@@ -337,12 +339,16 @@ void StBenchProbe::_tap(const std::string &label) {
         }
         Evas *evas = evas_object_evas_get(p->_win);
         unsigned int ts = eventTime();
-        p->_pageFrom = p->_topItem();
-        p->_waitingPage = true;
-        p->_tapTime = now();
         evas_event_feed_mouse_move(evas, x + w / 2, y + h / 2, ts, nullptr);
         evas_event_feed_mouse_down(evas, 1, EVAS_BUTTON_NONE, ts + 1, nullptr);
-        evas_event_feed_mouse_up(evas, 1, EVAS_BUTTON_NONE, ts + 60, nullptr);
+        // A finger rests on the row for a moment; the tap is complete when it lifts.
+        p->_after(kTapHoldSeconds, [](StBenchProbe *p) {
+            Evas *evas = evas_object_evas_get(p->_win);
+            p->_pageFrom = p->_topItem();
+            p->_waitingPage = true;
+            p->_tapTime = now();
+            evas_event_feed_mouse_up(evas, 1, EVAS_BUTTON_NONE, eventTime(), nullptr);
+        });
     });
 }
 

@@ -13,7 +13,8 @@
 //
 // Events, one a line, times in CLOCK_MONOTONIC nanoseconds:
 //   ready T RSS          first frame with the first list's rows realised; peak RSS so far (KB)
-//   page TAP FRAME       first frame of the page a tap pushed, its values all present
+//   page TAP FRAME       first frame of the page a tap pushed, its values all present; TAP is
+//                        when the finger lifted, 80 ms after it came down
 //   home                 back on the first list, settled
 //   shown                the row asked for is in view, settled
 //   check STATE FRAME    a frame in which the watched switch shows a new state
