@@ -5,6 +5,7 @@
 
 #include "StCircleSurfaceManager.h"
 #include "StInfoDefines.h"
+#include "StInfoPageTitle.h"
 #include "StInfoTitleItem.h"
 
 StInfoListViewController::StInfoListViewController() : _circleGenlist(nullptr) {}
@@ -47,14 +48,7 @@ Elm_Object_Item *StInfoListViewController::_appendDisplayRow(Evas_Object *genlis
 }
 
 void StInfoListViewController::onPushed(Elm_Object_Item *naviItem) {
-    elm_naviframe_item_title_enabled_set(naviItem, EINA_FALSE, EINA_FALSE);
-    elm_object_item_domain_part_text_translatable_set(naviItem, nullptr, ST_INFO_TEXT_DOMAIN,
-                                                      EINA_TRUE);
-    // A screen reader announces the page by its title in the watch's language; the page it
-    // meets is the naviframe's frame around the view, named after the untranslated title.
-    Evas_Object *page = elm_object_parent_widget_get(getEvasObject());
-    elm_atspi_accessible_name_set(page, getTitle());
-    elm_atspi_accessible_translation_domain_set(page, ST_INFO_TEXT_DOMAIN);
+    useTitleInsidePage(this, naviItem);
 }
 
 void StInfoListViewController::onBecomeTop() {
