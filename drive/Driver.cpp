@@ -9,6 +9,7 @@
 #include <vconf.h>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,6 +26,13 @@
 #include "ReadingOrder.h"
 
 namespace {
+
+// A pipe, a socket or a terminal delivers its input over time; a file has it all at once.
+bool stdinIsStream() {
+    struct stat st;
+    return fstat(STDIN_FILENO, &st) != 0 || S_ISFIFO(st.st_mode) || S_ISSOCK(st.st_mode) ||
+           isatty(STDIN_FILENO);
+}
 
 const double kSettle = 0.06;     // lets the toolkit lay out and draw after a command
 const double kPopupDrawn = 1.0;  // the longest wait for a popup's first frames
@@ -78,6 +86,9 @@ bool Driver::start(const std::string &scriptPath) {
         while (std::getline(in, text))
             _pending.push_back(Line{++_lineCount, text});
         _inputDone = true;
+    } else if (!stdinIsStream()) {
+        // A file (`quillset-drive < script`) cannot be watched for input: it is read whole.
+        _readStdin();
     } else {
         fcntl(STDIN_FILENO, F_SETFL, fcntl(STDIN_FILENO, F_GETFL) | O_NONBLOCK);
         _stdinHandler = ecore_main_fd_handler_add(STDIN_FILENO, ECORE_FD_READ, _stdinCb, this,

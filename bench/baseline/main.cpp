@@ -1,7 +1,8 @@
 // quillset-bench-baseline: the floor the About application is measured against. The same
 // toolkit, window, naviframe, theme, scale and row styles as the application's first screen,
-// with fixed texts: no models, no platform calls. A tap on any row but the title pushes a page
-// of fifteen fixed rows; the back key pops it, and on the first list ends the program.
+// with fixed texts, seen through the same round glass: no models, no platform calls. A tap on any
+// row but the title pushes a page of fifteen fixed rows; the back key pops it, and on the first
+// list ends the program.
 #include <unistd.h>
 
 #include <Elementary.h>
@@ -13,6 +14,7 @@
 #include <cstring>
 #include <string>
 
+#include "RoundScreen.h"
 #include "StatePaths.h"
 
 namespace {
@@ -161,6 +163,8 @@ int main(int argc, char *argv[]) {
             fprintf(stderr, "quillset-bench-baseline: key %s could not be grabbed\n", key);
     }
     evas_object_event_callback_add(win, EVAS_CALLBACK_KEY_DOWN, keyDownCb, nullptr);
+    // Seen, as the application is, through the simulated watch's round glass.
+    roundScreenAdd(win);
 
     pushPage(kMainRows, sizeof(kMainRows) / sizeof(kMainRows[0]));
     evas_object_show(win);

@@ -82,7 +82,7 @@ SimulatedWatch::Result SimulatedWatch::drive(const std::string &script,
     std::string cmd =
         "env -u DBUS_SYSTEM_BUS_ADDRESS -u QUILLSET_STATE " + quote(binDir() + "/quillset-sim") +
         " run --profile " + quote(_profile) + " --state " + quote(_state) + " -- env " + driverEnv +
-        " quillset-drive --script " + quote(scriptPath) + " >" + quote(out) + " 2>" + quote(err);
+        " quillset-drive <" + quote(scriptPath) + " >" + quote(out) + " 2>" + quote(err);
     Result result;
     int status = system(cmd.c_str());
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
