@@ -21,12 +21,14 @@ LANGUAGES = {
            "device": "Device information", "software": "Software information",
            "battery": "Battery information", "licences": "Open source licences",
            "switch": "Switch, {}", "on": "On", "off": "Off", "see_all": "See all",
-           "cancel": "Cancel", "ok": "OK"},
+           "cancel": "Cancel", "ok": "OK", "sw_version": "Software version",
+           "toast": "developer mode turned on"},
     "de": {"about": "Über Kesta", "debugging": "Debugging", "consent": "Diagnose",
            "device": "Geräte", "software": "Software-",
            "battery": "Akku-", "licences": "Open-Source-Lizenzen",
            "switch": "Schalter, {}", "on": "Ein", "off": "Aus", "see_all": "Alle anzeigen",
-           "cancel": "Abbrechen", "ok": "OK"},
+           "cancel": "Abbrechen", "ok": "OK", "sw_version": "Softwareversion",
+           "toast": "Entwicklermodus aktiviert"},
 }
 
 failures = []
@@ -126,13 +128,14 @@ def list_rows(where):
     return [seen[i] for i in sorted(seen)]
 
 
-def open_row(starting):
+def open_row(starting, times=1):
     rows = [o for o in walk(page()) if o.getRoleName() == "list"][0]
     bezel(-40)
     for _ in range(30):
         for index in range(rows.childCount):
             if rows[index].name.startswith(starting):
-                rows.querySelection().selectChild(index)
+                for _ in range(times):
+                    rows.querySelection().selectChild(index)
                 return
         bezel(1)
     raise RuntimeError("no row " + starting)
@@ -219,6 +222,12 @@ def tour(lang):
         open_row(title)
         wait_for(lambda: page().name.startswith(title), f"page {title}")
         list_rows(f"{lang} {title}")
+        if title == t["software"]:
+            # Five taps on the software version: the toast is announced by its text.
+            open_row(t["sw_version"], 5)
+            toast = wait_for(lambda: [o for o in walk(app()) if o.getRoleName() == "dialog"
+                                      and o.name == t["toast"]], "the developer-mode toast")
+            check(bool(toast), f"{lang}: the developer-mode toast is not announced")
         back()
         wait_for(lambda: page().name == t["about"], "back on the About list")
 
