@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "EvasTree.h"
 #include "PlatformState.h"
 #include "Profile.h"
 #include "StatePaths.h"
@@ -69,20 +70,6 @@ size_t count(const std::string &text, const std::string &what) {
     return n;
 }
 
-void collectPopups(Evas_Object *obj, std::vector<Evas_Object *> *found) {
-    const char *type = evas_object_type_get(obj);
-    if (type && !strcmp(type, "elm_popup"))
-        found->push_back(obj);
-    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
-        return;
-    Eina_List *children = evas_object_smart_members_get(obj);
-    void *child;
-    Eina_List *l;
-    EINA_LIST_FOREACH(children, l, child)
-    collectPopups(static_cast<Evas_Object *>(child), found);
-    eina_list_free(children);
-}
-
 }  // namespace
 
 class PagesTest : public EflTest {
@@ -123,7 +110,7 @@ protected:
         std::vector<Evas_Object *> popups, toasts;
         Evas *canvas = evas_object_evas_get(_win);
         for (Evas_Object *o = evas_object_bottom_get(canvas); o; o = evas_object_above_get(o))
-            collectPopups(o, &popups);
+            evas_tree::collectByType(o, "elm_popup", &popups);
         for (Evas_Object *p : popups)
             if (evas_object_visible_get(p) && !strcmp(elm_object_style_get(p), "toast/circle"))
                 toasts.push_back(p);

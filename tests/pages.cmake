@@ -1,6 +1,7 @@
 # The software, security-platform, battery, regulatory and licence pages, and the home key.
 quillset_efl_test(pages_test Pages_test.cpp)
-target_include_directories(pages_test PRIVATE ${CMAKE_SOURCE_DIR}/platform/src)
+target_include_directories(pages_test PRIVATE ${CMAKE_SOURCE_DIR}/platform/src
+                                              ${CMAKE_SOURCE_DIR}/drive)
 
 # End to end on a simulated watch.
 quillset_e2e_test(pages_e2e_test Pages_e2e_test.cpp)
