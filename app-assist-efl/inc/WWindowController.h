@@ -33,6 +33,7 @@ private:
     static void _winDelCb(void *data, Evas *evas, Evas_Object *obj, void *eventInfo);
     static void _deleteRequestCb(void *data, Evas_Object *obj, void *eventInfo);
     static Eina_Bool _fitToScreenCb(void *data);
+    static Eina_Bool _mappedCb(void *data, int type, void *event);
     static void _baseViewDelCb(void *data, Evas *evas, Evas_Object *obj, void *eventInfo);
 
     std::string _name;
@@ -40,6 +41,7 @@ private:
     Evas_Object *_win;
     WViewController *_baseView;
     Ecore_Timer *_fitTimer;
+    Ecore_Event_Handler *_mapHandler;
 };
 
 }  // namespace app_assist

@@ -24,11 +24,18 @@ Eina_Bool WWindowController::_fitToScreenCb(void *data) {
 }
 
 WWindowController::WWindowController(const char *name, Elm_Win_Type type)
-    : _name(name ? name : ""), _type(type), _win(nullptr), _baseView(nullptr), _fitTimer(nullptr) {}
+    : _name(name ? name : ""),
+      _type(type),
+      _win(nullptr),
+      _baseView(nullptr),
+      _fitTimer(nullptr),
+      _mapHandler(nullptr) {}
 
 WWindowController::~WWindowController() {
     if (_fitTimer)
         ecore_timer_del(_fitTimer);
+    if (_mapHandler)
+        ecore_event_handler_del(_mapHandler);
     if (_win) {
         evas_object_event_callback_del_full(_win, EVAS_CALLBACK_DEL, _winDelCb, this);
         Evas_Object *win = _win;
@@ -68,10 +75,28 @@ bool WWindowController::create() {
     evas_object_show(_win);
     // Without a window manager an X window stays withdrawn and the toolkit never draws it;
     // say it is a normal window, as a window manager would.
-    if (Ecore_X_Window xwin = elm_win_xwindow_get(_win))
+    if (Ecore_X_Window xwin = elm_win_xwindow_get(_win)) {
         ecore_x_icccm_state_set(xwin, ECORE_X_WINDOW_STATE_HINT_NORMAL);
+        _mapHandler = ecore_event_handler_add(ECORE_X_EVENT_WINDOW_SHOW, _mappedCb, this);
+    }
     _fitTimer = ecore_timer_add(0.0, _fitToScreenCb, this);
     return true;
+}
+
+// Nor does anything give it the keys: X then sends them to whatever window is under the
+// pointer. Once it is on screen, it takes the focus unless some window already holds it.
+Eina_Bool WWindowController::_mappedCb(void *data, int, void *event) {
+    auto *self = static_cast<WWindowController *>(data);
+    auto *shown = static_cast<Ecore_X_Event_Window_Show *>(event);
+    Ecore_X_Window xwin = self->_win ? elm_win_xwindow_get(self->_win) : 0;
+    if (!xwin || shown->win != xwin)
+        return ECORE_CALLBACK_PASS_ON;
+    // None or PointerRoot: no window holds the focus.
+    if (ecore_x_window_focus_get() <= 1)
+        ecore_x_window_focus(xwin);
+    ecore_event_handler_del(self->_mapHandler);
+    self->_mapHandler = nullptr;
+    return ECORE_CALLBACK_PASS_ON;
 }
 
 bool WWindowController::attachBaseViewController(WViewController *view) {
