@@ -17,8 +17,6 @@
 #include <string>
 #include <vector>
 
-#include "PlatformState.h"
-#include "Profile.h"
 #include "StInfoBatteryViewController.h"
 #include "StInfoMainViewController.h"
 #include "StInfoModel.h"
@@ -27,7 +25,6 @@
 #include "StInfoStatusModel.h"
 #include "StInfoStatusViewController.h"
 #include "StInfoSwViewController.h"
-#include "StatePaths.h"
 #include "support/EflTestEnvironment.h"
 #include "tessid/StInfoTessidViewController.h"
 
@@ -97,12 +94,7 @@ class PagesSoakTest : public EflTest {
 protected:
     static void SetUpTestSuite() {
         // The default watch, as quillset-sim would seed it.
-        sim::Profile profile;
-        std::string error;
-        ASSERT_TRUE(profile.load(sim::Profile::resolve("default", sim::profilesDir()), &error))
-            << error;
-        ASSERT_TRUE(profile.seed(EflTestEnvironment::stateDir(), &error)) << error;
-        platform::reloadProfile();
+        EflTestEnvironment::seedShippedProfile("default");
     }
 };
 

@@ -15,15 +15,12 @@
 #include <string>
 #include <vector>
 
-#include "PlatformState.h"
-#include "Profile.h"
 #include "StInfoBatteryViewController.h"
 #include "StInfoMainViewController.h"
 #include "StInfoOpenSrcLicenseViewController.h"
 #include "StInfoRegulatoryInfoViewController.h"
 #include "StInfoStatusViewController.h"
 #include "StInfoSwViewController.h"
-#include "StatePaths.h"
 #include "support/EflTestEnvironment.h"
 #include "tessid/StInfoTessidViewController.h"
 
@@ -72,12 +69,7 @@ class TextFitTest : public EflTest {
 protected:
     static void SetUpTestSuite() {
         // The watch sold in India has every row of the About list.
-        sim::Profile profile;
-        std::string error;
-        ASSERT_TRUE(profile.load(sim::Profile::resolve("india", sim::profilesDir()), &error))
-            << error;
-        ASSERT_TRUE(profile.seed(EflTestEnvironment::stateDir(), &error)) << error;
-        platform::reloadProfile();
+        EflTestEnvironment::seedShippedProfile("india");
     }
 
     void TearDown() override {

@@ -10,6 +10,8 @@
 
 #include <Efreet.h>
 
+#include "PlatformState.h"
+#include "Profile.h"
 #include "StInfoApp.h"
 #include "StatePaths.h"
 
@@ -99,6 +101,14 @@ bool EflTest::runUntil(const std::function<bool()> &done, double timeout) {
 void EflTest::settle(double seconds) {
     double end = ecore_time_get() + seconds;
     runUntil([end]() { return ecore_time_get() >= end; }, seconds + 1.0);
+}
+
+void EflTestEnvironment::seedShippedProfile(const char *name) {
+    sim::Profile profile;
+    std::string error;
+    ASSERT_TRUE(profile.load(sim::Profile::resolve(name, sim::profilesDir()), &error)) << error;
+    ASSERT_TRUE(profile.seed(stateDir(), &error)) << error;
+    platform::reloadProfile();
 }
 
 std::string EflTest::logSinceStart() const {

@@ -15,6 +15,9 @@ public:
     void TearDown() override;
 
     static const std::string &stateDir();
+    // Seeds the state directory with a shipped profile, as quillset-sim would, and has the
+    // platform read it; a failure fails the calling test.
+    static void seedShippedProfile(const char *name);
 };
 
 // A 360x360 window on the buffer engine, deleted after each test.
