@@ -75,15 +75,6 @@ protected:
     // Pages outlive each test body (the window goes in TearDown), so what they report to
     // lives in the fixture.
     Events events;
-
-    WNaviframeController *makeNaviframe() {
-        auto *naviframe = new WNaviframeController();
-        EXPECT_TRUE(naviframe->create(_win, nullptr));
-        Evas_Object *obj = naviframe->getEvasObject();
-        evas_object_size_hint_weight_set(obj, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
-        elm_win_resize_object_add(_win, obj);
-        return naviframe;
-    }
 };
 
 TEST_F(AppAssistTest, PushAndPopPagesAndReturnToTheOneBelow) {

@@ -103,12 +103,7 @@ protected:
 TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
     const int cycles = fullSoak() ? 500 : kMemoryComparable ? 20 : 4;
     const int warmUp = kMemoryComparable ? 10 : 2;
-    auto *naviframe = new WNaviframeController();
-    ASSERT_TRUE(naviframe->create(_win, nullptr));
-    Evas_Object *frame = naviframe->getEvasObject();
-    evas_object_size_hint_weight_set(frame, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
-    elm_win_resize_object_add(_win, frame);
-    evas_object_show(frame);
+    auto *naviframe = makeNaviframe();
     ASSERT_TRUE(naviframe->push(new StInfoMainViewController()));
     settle(0.1);
 
@@ -204,7 +199,8 @@ TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
         }
     };
     Cycler cycler{naviframe, &pages};
-    evas_object_smart_callback_add(frame, "transition,finished", Cycler::step, &cycler);
+    evas_object_smart_callback_add(naviframe->getEvasObject(), "transition,finished", Cycler::step,
+                                   &cycler);
     struct Measure {
         long rssKb, heapKb;
         size_t listeners;

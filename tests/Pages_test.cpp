@@ -80,16 +80,6 @@ protected:
         EflTest::TearDown();
     }
 
-    WNaviframeController *makeNaviframe() {
-        auto *naviframe = new WNaviframeController();
-        EXPECT_TRUE(naviframe->create(_win, nullptr));
-        Evas_Object *obj = naviframe->getEvasObject();
-        evas_object_size_hint_weight_set(obj, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
-        elm_win_resize_object_add(_win, obj);
-        evas_object_show(obj);
-        return naviframe;
-    }
-
     // The list of the page on top, and its rows.
     std::vector<Elm_Object_Item *> pushAndList(app_assist::WViewController *page) {
         WNaviframeController *naviframe = makeNaviframe();

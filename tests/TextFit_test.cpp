@@ -130,12 +130,7 @@ TEST_F(TextFitTest, EveryTextFitsItsPartInEveryLanguage) {
     };
     for (const auto &language : kLanguages) {
         _use(language);
-        auto *naviframe = new WNaviframeController();
-        ASSERT_TRUE(naviframe->create(_win, nullptr));
-        Evas_Object *frame = naviframe->getEvasObject();
-        evas_object_size_hint_weight_set(frame, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
-        elm_win_resize_object_add(_win, frame);
-        evas_object_show(frame);
+        auto *naviframe = makeNaviframe();
         auto *main = new StInfoMainViewController();
         ASSERT_TRUE(naviframe->push(main));
         Evas_Object *list = main->getEvasObject();
@@ -155,6 +150,6 @@ TEST_F(TextFitTest, EveryTextFitsItsPartInEveryLanguage) {
             expectFits(page.first, view->getEvasObject());
             pressKey("Escape");
         }
-        evas_object_del(frame);
+        evas_object_del(naviframe->getEvasObject());
     }
 }

@@ -285,6 +285,29 @@ bool busAnswers(const std::string &socketPath) {
     return answers;
 }
 
+// Starts a dbus-daemon of the given kind in the background, its output into log, and reads the
+// address it prints once it listens. *pid is set whenever it was started, so that it is ended
+// with the watch even when it never answered.
+bool startBusDaemon(const std::string &kind, const std::string &log, pid_t *pid,
+                    std::string *address) {
+    int fds[2];
+    if (pipe2(fds, O_CLOEXEC) != 0) {
+        say(sysError("pipe2", "bus address", errno));
+        return false;
+    }
+    SpawnOptions options;
+    options.daemon = true;
+    options.keepFd = fds[1];
+    options.outputFile = log;
+    *pid = spawn({"dbus-daemon", kind, "--nofork", "--nopidfile", "--nosyslog",
+                  "--print-address=" + std::to_string(fds[1])},
+                 options);
+    close(fds[1]);
+    bool ok = *pid > 0 && readLine(fds[0], 5.0, address) && !address->empty();
+    close(fds[0]);
+    return ok;
+}
+
 bool startBus(Watch *watch) {
     std::string busDir = watch->state + "/bus";
     std::string error;
@@ -305,25 +328,10 @@ bool startBus(Watch *watch) {
         say(error);
         return false;
     }
-    int fds[2];
-    if (pipe2(fds, O_CLOEXEC) != 0) {
-        say(sysError("pipe2", "bus address", errno));
-        return false;
-    }
-    SpawnOptions options;
-    options.daemon = true;
-    options.keepFd = fds[1];
-    options.outputFile = busDir + "/dbus-daemon.log";
-    watch->bus = spawn({"dbus-daemon", "--config-file=" + busDir + "/system.conf", "--nofork",
-                        "--nopidfile", "--nosyslog", "--print-address=" + std::to_string(fds[1])},
-                       options);
-    close(fds[1]);
-    std::string address;
-    bool ok = watch->bus > 0 && readLine(fds[0], 5.0, &address) && !address.empty();
-    close(fds[0]);
-    if (!ok) {
+    std::string address, log = busDir + "/dbus-daemon.log";
+    if (!startBusDaemon("--config-file=" + busDir + "/system.conf", log, &watch->bus, &address)) {
         if (!g_stopSignal)
-            say("the private system bus (dbus-daemon) did not start; see " + options.outputFile);
+            say("the private system bus (dbus-daemon) did not start; see " + log);
         return false;
     }
     setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
@@ -368,24 +376,9 @@ bool runToEnd(const std::vector<std::string> &args, const std::string &log) {
 bool startAccessibility(Watch *watch) {
     const char *session = getenv("DBUS_SESSION_BUS_ADDRESS");
     if (!session || !*session) {
-        int fds[2];
-        if (pipe2(fds, O_CLOEXEC) != 0) {
-            say(sysError("pipe2", "session bus address", errno));
-            return false;
-        }
-        SpawnOptions options;
-        options.daemon = true;
-        options.keepFd = fds[1];
-        options.outputFile = watch->state + "/bus/session-bus.log";
-        watch->sessionBus = spawn({"dbus-daemon", "--session", "--nofork", "--nopidfile",
-                                   "--nosyslog", "--print-address=" + std::to_string(fds[1])},
-                                  options);
-        close(fds[1]);
-        std::string address;
-        bool ok = watch->sessionBus > 0 && readLine(fds[0], 5.0, &address) && !address.empty();
-        close(fds[0]);
-        if (!ok) {
-            say("the session bus (dbus-daemon --session) did not start; see " + options.outputFile);
+        std::string address, log = watch->state + "/bus/session-bus.log";
+        if (!startBusDaemon("--session", log, &watch->sessionBus, &address)) {
+            say("the session bus (dbus-daemon --session) did not start; see " + log);
             return false;
         }
         setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);

@@ -111,6 +111,16 @@ void EflTestEnvironment::seedShippedProfile(const char *name) {
     platform::reloadProfile();
 }
 
+app_assist::WNaviframeController *EflTest::makeNaviframe() {
+    auto *naviframe = new app_assist::WNaviframeController();
+    EXPECT_TRUE(naviframe->create(_win, nullptr));
+    Evas_Object *obj = naviframe->getEvasObject();
+    evas_object_size_hint_weight_set(obj, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
+    elm_win_resize_object_add(_win, obj);
+    evas_object_show(obj);
+    return naviframe;
+}
+
 std::string EflTest::logSinceStart() const {
     std::ifstream in(logPath(), std::ios::binary);
     if (!in)

@@ -2,6 +2,7 @@
 #define QUILLSET_TESTS_EFL_TEST_ENVIRONMENT_H
 
 #include <Elementary.h>
+#include <WNaviframeController.h>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -32,6 +33,8 @@ protected:
     void settle(double seconds = 0.05);
     // Lines of the platform log written since this test started.
     std::string logSinceStart() const;
+    // A naviframe filling the window, shown, for pages to be pushed on.
+    app_assist::WNaviframeController *makeNaviframe();
     // Touches the centre of a genlist row as a person would.
     void tapItem(Elm_Object_Item *item);
     void click(Evas_Object *obj);
