@@ -1,8 +1,7 @@
 // The fault matrix: every platform call the application makes, failing on a simulated watch
-// while a person opens every screen. Each failure must leave its log line (message and
-// priority), show its safe value where it shows one, and leave every other row as it is on a
-// watch without faults. Failure points that touch different rows share one run of the
-// application; the packing below keeps those that could hide each other apart.
+// while a person opens every screen. Each failure must leave its log lines (message, priority,
+// count), show its safe value where it shows one, and leave every other cell as it is on a watch
+// without faults. Failure points that touch different cells share one run of the application.
 
 #include <gtest/gtest.h>
 
@@ -11,7 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstring>
+#include <algorithm>
 #include <fstream>
 #include <map>
 #include <set>
@@ -25,42 +24,177 @@ using nlohmann::json;
 
 namespace {
 
-const char *const kUnknown = "Unknown";
-const char *const kAbsent = "(absent)";  // the row or part is not on the screen
-const char *const kAny = "(any)";        // whatever shows there is not checked
-const std::string kConsent = "Report diagnostic and usage info";
-
-// What a failure shows: the cell (screen/row[/check], see flatten()) and its text there.
-struct Effect {
-    std::string cell;
-    std::string shows;
-};
-
-struct FailurePoint {
+// A failing call, "call" or "call(key)". log: the application's lines it leaves, one a line
+// ("function > message" when the function matters), the failure's own first; "" when it is
+// silent by design. effects: "cell=shows;..." ("main+/row" is the main list's row under the
+// popups too; "-" the cell is gone, "*" it is not checked). involves: other cells or services
+// its line or value relies on; points that share one never run together. platform: a line the
+// platform must log, "TAG: message".
+struct Point {
     const char *call;
-    const char *key;  // null: the call fails for every key
-    int code;
-    char priority;  // of the log line: 'E' error, 'W' warning
-    // Its log lines, one a line, the first the failure's own, the others those of the callers
-    // that then fail in turn; null: the failure is silent by design.
     const char *log;
-    std::vector<Effect> effects = {};
-    // Cells or services whose normal behaviour this point relies on for its log line or its
-    // safe value; points that share one are never run together.
-    std::vector<std::string> involves = {};
+    const char *effects = "";
+    const char *involves = "";
+    const char *platform = "";
+    char priority = 'E';
+    int code = -5;
     bool alone = false;
 };
 
-// The screens a person opens, in the order of the script, with the commands that open,
-// capture and leave each. The consent and debugging popups are confirmed, so the main list is
-// looked at again after them.
-struct Step {
-    const char *screen;
-    const char *script;
-    bool counted;  // a screen of its own (main2 is the main list again)
+const char *const kFallbackTable =
+    "UXT: colour table "
+    "/usr/apps/com.nerova.quillset/shared/res/tables/setting_style_ChangeableColorInfo.xml "
+    "cannot be opened";
+
+const std::vector<Point> kPoints = {
+    // The main list, its switches and its popups.
+    {"system_info_get_platform_string(system/model_name)",
+     "Setting - Model number do not get!! error!! [-5]", "main+/Model number=Unknown"},
+    {"storage_get_internal_memory_size", "", "main+/Storage=Unknown"},
+    // Until the change notification sets it, the switch shows off.
+    {"vconf_get_bool(db/setting/debug_mode)", "Setting - USB debugging's info do not get!!!",
+     "main/Debugging/check=false;debug/Debugging/check=false", "debug-switch"},
+    {"vconf_get_bool(db/wms/user_agreement/errorlog)", "Setting - report diagnostic not get!!!",
+     "main/Report diagnostic and usage info/check=false;debug/Report diagnostic and usage "
+     "info/check=false;consent/Report diagnostic and usage info/check=false",
+     "consent-switch"},
+    {"vconf_notify_key_changed(db/setting/debug_mode)",
+     "Register vconf notify key changed failed(VCONFKEY_SETAPPL_USB_DEBUG_MODE_BOOL)",
+     "consent/Debugging/check=false;main2/Debugging/check=false", "debug-switch"},
+    {"vconf_notify_key_changed(db/wms/user_agreement/errorlog)",
+     "Register vconf notify key changed failed(KEY_USER_AGREEMENT_ERROR_LOG)",
+     "main2/Report diagnostic and usage info/check=false", "consent-switch"},
+    {"vconf_notify_key_changed(db/setting/update-service/auto_update_type)",
+     "Register vconf notify key changed failed(VCONFKEY_AUTO_UPDATE_TYPE)"},
+    {"vconf_set_bool(db/setting/debug_mode)", "Setting - USB debugging do not set!!!",
+     "consent/Debugging/check=false;main2/Debugging/check=false", "debug-switch"},
+    {"vconf_set_bool(db/wms/user_agreement/errorlog)", "Setting - report diagnostic is not set!!!",
+     "main2/Report diagnostic and usage info/check=false", "consent-switch"},
+    {"mdm_get_service", "[MDM] mdm_get_service() failed -1\n[MDM] mdm_get_service failed", "",
+     "policy", "", 'E', -1},
+    {"mdm_get_allow_usb_debugging", "", "", "policy"},
+    {"mdm_register_policy_receiver", "", "", "policy"},
+    {"tessid_mdm_platform_is_usb_debugging_change_allowed",
+     "[MDM] tessid_mdm_platform_is_usb_debugging_change_allowed failed", "", "policy"},
+    {"vconf_get_int(db/retailmode/enabled)", "VCONFKEY_RETAILMODE_ENABLED get error!!", "",
+     "retail"},
+    {"vconf_get_int(db/retailmode/RDU_V9/enabled)",
+     "VCONFKEY_RETAILMODE_ENABLED_RDU_V9 get error!!", "", "retail"},
+    {"vconf_get_str(db/csc/country_iso)", "", "main+/Regulatory information=-;regulatory/*=*"},
+    {"vconf_get_str(db/csc/text_string_country)", "", "", "country"},
+    {"nerova_log_manager_create", "nerova_log_manager_create failed - [-5]"},
+    // The colour table then comes from the settings package's fixed directory.
+    {"app_manager_get_shared_resource_path", "app_manager_get_shared_resource_path() failed!", "",
+     "colour", kFallbackTable},
+    {"uxt_theme_add_color_table", "", "", "colour"},
+    // Without the resource directory there is no message catalogue: every text shows as its
+    // string id. The layouts are missing; their pages and the popups still open, unlogged.
+    {"app_get_resource_path", "",
+     "*=*;consent/popup/text=-;licences/layout/text.title=-;licences/layout/text.body=-;regulatory/"
+     "layout/text.title=-",
+     "", "", 'E', -5, true},
+    // The platform switches the process's language; the toolkit is not told, and texts
+    // already shown stay as they were. Without its handler the application never hears of it.
+    {"app_event_get_language", "app_event_get_language() failed!", "lang/title=*"},
+    {"ui_app_add_event_handler", "ui_app_add_event_handler(2) failed: -5", "lang/title=*"},
+    {"app_control_send_launch_request", "app_control ret error code= -5", "", "launch"},
+    {"app_control_send_terminate_request", "app_control ret error code= -5", "", "launch", "", 'W'},
+    {"app_control_create", "", "", "launch"},
+    {"eext_circle_object_genlist_add", "", "", "circle"},
+    {"eext_circle_object_scroller_add", "", "", "circle"},
+    {"uxt_popup_set_rotary_event_enabled", "", "", "popup-rotary"},
+    {"eext_rotary_object_event_activated_set", "", "", "circle"},
+    // Usage records are fire-and-forget.
+    {"nerova_log_manager_insert", ""},
+    // Read only for one carrier model; this watch is another.
+    {"vconf_get_str(db/csc/salescode)", "", "", "main/Model number"},
+
+    // The device status page.
+    {"tel_init",
+     "tel init error!!\n_tapihandle is null\ngetImeiInfo > Getting misc version information is "
+     "failed\ngetImeiSvInfo > Getting misc version information is "
+     "failed\ntel_get_misc_me_version_sync() failed.\ntel_get_property_int failed [-2]",
+     "status/Hardware version=Unknown;status/Kesta phone "
+     "number=Unknown;status/IMEI=Unknown;status/IMEI SV=Unknown;status/ICCID=Unknown;status/IMS "
+     "registration status=Off",
+     "tel"},
+    {"tel_register_noti_event", "", "", "tel"},
+    {"tel_get_misc_me_version_sync", "tel_get_misc_me_version_sync() failed.",
+     "status/Hardware version=Unknown"},
+    {"tel_get_misc_me_sn_sync",
+     "getImeiInfo > Getting misc version information is failed\ngetImeiSvInfo > Getting misc "
+     "version information is failed",
+     "status/IMEI=Unknown;status/IMEI SV=Unknown"},
+    {"tel_get_property_int", "tel_get_property_int failed [-5]",
+     "status/IMS registration status=Off"},
+    {"tel_get_sim_msisdn", "tel_get_sim_msisdn failed [-5]", "status/Kesta phone number=Unknown"},
+    {"tel_request_sim_sync", "tel_request_sim_sync failed [-5]", "status/ICCID=Unknown"},
+    {"vconf_get_str(db/setting/selected_num)", "MSISDN Number is empty",
+     "status/Kesta phone number=Unknown"},
+    {"vconf_get_str(db/menu_widget/regionformat)", "", "status/Kesta phone number=*"},
+    {"vconf_get_str(db/csc/text_string_customer)", "Customer Code is empty!", "", "status/ICCID"},
+    {"system_info_get_custom_int(tizen/feature/esim.phase)",
+     "system_info_get_platform_int failed!!!!", "status/Kesta eSIM profile=-;status/eID=-", "esim"},
+    {"esim_init", "[ESIM] esim_init fail", "status/Kesta eSIM profile=None;status/eID=Unknown",
+     "esim"},
+    {"esim_register_noti_event", "", "", "esim"},
+    {"esim_get_profile_list", "[ESIM] esim_get_profile_list fail : fffffffb\nno enabled profile",
+     "status/Kesta eSIM profile=None;status/ICCID=Unknown", "esim"},
+    {"esim_get_eid", "[ESIM] esim_get_eid fail : fffffffb", "status/eID=Unknown", "esim"},
+    {"vconf_get_int(db/setup_wizard/standalone)", "", "", "status/Kesta eSIM profile"},
+    {"system_info_get_platform_bool(feature/network.telephony.service.cdma)",
+     "system_info_get_platform_bool for cdma feature failed!!!", "", "status/IMEI"},
+    {"csc_feature_get_bool(39)", "", "status/Hardware version=-"},
+    {"csc_feature_get_bool(93)", "", "status/IMS registration status=-"},
+    {"csc_feature_get_bool(30)", "",
+     "status/Barcode number=-;status/Serial number=NV480Q0A1B2C,3546201"},
+    {"wifi_manager_initialize", "wifi manager initialize failed! [-5]",
+     "status/Wi-Fi MAC address=Unknown"},
+    {"wifi_manager_get_mac_address", "Failed to get wifi mac address!",
+     "status/Wi-Fi MAC address=Unknown"},
+    // The adapter cannot answer without the stack; the address call's error decides.
+    {"bt_initialize",
+     "bluetooth initialization failed\nbt address : get bt address with error code:-29359871",
+     "status/Bluetooth address=Unavailable"},
+    {"bt_adapter_get_address", "bt address : get bt address with error code:-5",
+     "status/Bluetooth address=Unavailable"},
+    // Closing the radios again is not examined.
+    {"bt_deinitialize", "", "", "status/Bluetooth address"},
+    {"wifi_manager_deinitialize", "", "", "status/Wi-Fi MAC address"},
+
+    // The software and security-platform pages.
+    {"system_info_get_platform_string(system/build.string)",
+     "Setting - Software Version name does not exist![-5]", "software/Software version=Unknown"},
+    {"system_info_get_platform_string(feature/platform.version)",
+     "Setting - Tizen Version name does not exist![-5]", "software/Tizen version=Unknown"},
+    {"vconf_get_str(db/smack/spd_installed_policy_version)", "Vconf value error!",
+     "software/Security status=Unknown"},
+    {"csc_svc_config_chk_approval_version_exist", "", "", "software/Software version"},
+    {"csc_svc_config_get_approval_version", "", "", "software/Software version"},
+    {"package_manager_get_package_info", "", "software/Tessid Configure=-"},
+    {"system_info_get_custom_string(tizen/feature/tessid.version)", "ret : -5",
+     "security/Tessid version#2=Unknown"},
+    {"system_info_get_custom_string(tizen/feature/mdm.version)", "ret : -5",
+     "security/Tessid Tizen Wearable SDK=Unknown"},
+    {"system_info_get_custom_string(tizen/feature/tessid.pelortizen.version)", "ret : -5",
+     "security/Pelor for Tizen=Unknown"},
+    {"system_info_get_custom_string(tizen/feature/tessid.vimo.version)", "ret : -5",
+     "security/VIMO=Unknown"},
+    // The battery page logs nothing: a missing key is a watch without that information.
+    {"system_info_get_custom_string(tizen/system/rated_voltage)", "", "battery/Rated=Unknown"},
+    {"system_info_get_custom_string(tizen/system/rated_current)", "", "battery/Rated=Unknown"},
+    {"system_info_get_custom_string(tizen/system/battery_capacity)", "",
+     "battery/Battery capacity=Unknown"},
 };
 
-const Step kSteps[] = {
+// The screens a person opens, in order: a name when the step dumps one (main2 is the main list
+// again after the popups were confirmed; launch ends the first of two launches; lang changes
+// the watch's language), and whether it is a screen of its own.
+const struct Step {
+    const char *screen;
+    const char *script;
+    bool counted;
+} kSteps[] = {
     {"main", "dump\n", true},
     {"debug", "tap WDS_ST_MBODY_DEBUGGING_ABB\ndump\npress WDS_ST_BUTTON_OK_ABB\n", true},
     {"consent",
@@ -73,483 +207,63 @@ const Step kSteps[] = {
     {"battery", "tap WDS_ST_TMBODY_BATTERY_INFORMATION\ndump\nback\n", true},
     {"licences", "tap WDS_ST_HEADER_OPEN_SOURCE_LICENCES_ABB\ndump\nback\n", true},
     {"regulatory", "tap WDS_ST_HEADER_REGULATORY_INFO_ABB\ndump\nback\n", true},
-    // Two launches: the second ends the first. Then the watch changes its language.
-    {"launch",
-     "tap LDS_TESSID_POP_NEROVA_TESSID_PRIVACY_NOTICE_LEGALPHRASE\nwait 1100\n"
-     "tap LDS_TESSID_POP_NEROVA_TESSID_PRIVACY_NOTICE_LEGALPHRASE\nwait 1100\n",
+    {"",
+     "tap LDS_TESSID_POP_NEROVA_TESSID_PRIVACY_NOTICE_LEGALPHRASE\nwait 1100\ntap "
+     "LDS_TESSID_POP_NEROVA_TESSID_PRIVACY_NOTICE_LEGALPHRASE\nwait 1100\n",
      false},
     {"lang", "sim event language de\nwait 300\ndump\n", false},
 };
 
-const std::vector<FailurePoint> &failurePoints() {
-    static const std::vector<FailurePoint> points = {
-        // The main list, its switches and its popups.
-        {"system_info_get_platform_string",
-         "system/model_name",
-         -5,
-         'E',
-         "Setting - Model number do not get!! error!! [-5]",
-         {{"main+/Model number", kUnknown}}},
-        {"storage_get_internal_memory_size",
-         nullptr,
-         -5,
-         'E',
-         nullptr,
-         {{"main+/Storage", kUnknown}}},
-        {"vconf_get_bool",
-         "db/setting/debug_mode",
-         -5,
-         'E',
-         "Setting - USB debugging's info do not get!!!",
-         // Until the change notification sets it, the switch shows off.
-         {{"main/Debugging/check", "false"}, {"debug/Debugging/check", "false"}},
-         {"debug-switch"}},
-        {"vconf_get_bool",
-         "db/wms/user_agreement/errorlog",
-         -5,
-         'E',
-         "Setting - report diagnostic not get!!!",
-         {{"main/" + kConsent + "/check", "false"},
-          {"debug/" + kConsent + "/check", "false"},
-          {"consent/" + kConsent + "/check", "false"}},
-         {"consent-switch"}},
-        {"vconf_notify_key_changed",
-         "db/setting/debug_mode",
-         -5,
-         'E',
-         "Register vconf notify key changed failed(VCONFKEY_SETAPPL_USB_DEBUG_MODE_BOOL)",
-         {{"consent/Debugging/check", "false"}, {"main2/Debugging/check", "false"}},
-         {"debug-switch"}},
-        {"vconf_notify_key_changed",
-         "db/wms/user_agreement/errorlog",
-         -5,
-         'E',
-         "Register vconf notify key changed failed(KEY_USER_AGREEMENT_ERROR_LOG)",
-         {{"main2/" + kConsent + "/check", "false"}},
-         {"consent-switch"}},
-        {"vconf_notify_key_changed",
-         "db/setting/update-service/auto_update_type",
-         -5,
-         'E',
-         "Register vconf notify key changed failed(VCONFKEY_AUTO_UPDATE_TYPE)",
-         {}},
-        {"vconf_set_bool",
-         "db/setting/debug_mode",
-         -5,
-         'E',
-         "Setting - USB debugging do not set!!!",
-         {{"consent/Debugging/check", "false"}, {"main2/Debugging/check", "false"}},
-         {"debug-switch"}},
-        {"vconf_set_bool",
-         "db/wms/user_agreement/errorlog",
-         -5,
-         'E',
-         "Setting - report diagnostic is not set!!!",
-         {{"main2/" + kConsent + "/check", "false"}},
-         {"consent-switch"}},
-        {"mdm_get_service",
-         nullptr,
-         -1,
-         'E',
-         "[MDM] mdm_get_service() failed -1\n[MDM] mdm_get_service failed",
-         {},
-         {"policy"}},
-        {"mdm_get_allow_usb_debugging", nullptr, -5, 'E', nullptr, {}, {"policy"}},
-        {"mdm_register_policy_receiver", nullptr, -5, 'E', nullptr, {}, {"policy"}},
-        {"tessid_mdm_platform_is_usb_debugging_change_allowed",
-         nullptr,
-         -5,
-         'E',
-         "[MDM] tessid_mdm_platform_is_usb_debugging_change_allowed failed",
-         {},
-         {"policy"}},
-        {"vconf_get_int",
-         "db/retailmode/enabled",
-         -5,
-         'E',
-         "VCONFKEY_RETAILMODE_ENABLED get error!!",
-         {},
-         {"retail"}},
-        {"vconf_get_int",
-         "db/retailmode/RDU_V9/enabled",
-         -5,
-         'E',
-         "VCONFKEY_RETAILMODE_ENABLED_RDU_V9 get error!!",
-         {},
-         {"retail"}},
-        {"vconf_get_str",
-         "db/csc/country_iso",
-         -5,
-         'E',
-         nullptr,
-         {{"main+/Regulatory information", kAbsent}, {"regulatory/*", kAny}}},
-        {"vconf_get_str", "db/csc/text_string_country", -5, 'E', nullptr, {}, {"country"}},
-        {"nerova_log_manager_create",
-         nullptr,
-         -5,
-         'E',
-         "nerova_log_manager_create failed - [-5]",
-         {}},
-        {"app_manager_get_shared_resource_path",
-         nullptr,
-         -5,
-         'E',
-         "app_manager_get_shared_resource_path() failed!",
-         {},
-         {"colour"}},
-        {"uxt_theme_add_color_table", nullptr, -5, 'E', nullptr, {}, {"colour"}},
-        // Without the resource directory there is no message catalogue: every text shows as
-        // its string id. The layouts are missing; their pages and the popups still open, and
-        // none of it is logged.
-        {"app_get_resource_path",
-         nullptr,
-         -5,
-         'E',
-         nullptr,
-         {{"*", kAny},
-          {"consent/popup/text", kAbsent},
-          {"licences/layout/text.title", kAbsent},
-          {"licences/layout/text.body", kAbsent},
-          {"regulatory/layout/text.title", kAbsent}},
-         {},
-         true},
-        // The platform switches the process's language; the toolkit is not told, and texts
-        // already shown stay as they were.
-        {"app_event_get_language",
-         nullptr,
-         -5,
-         'E',
-         "app_event_get_language() failed!",
-         {{"lang/title", kAny}}},
-        // Without its handler the application never hears of the new language.
-        {"ui_app_add_event_handler",
-         nullptr,
-         -5,
-         'E',
-         "ui_app_add_event_handler(2) failed: -5",
-         {{"lang/title", kAny}}},
-        {"app_control_send_launch_request",
-         nullptr,
-         -5,
-         'E',
-         "app_control ret error code= -5",
-         {},
-         {"launch"}},
-        {"app_control_send_terminate_request",
-         nullptr,
-         -5,
-         'W',
-         "app_control ret error code= -5",
-         {},
-         {"launch"}},
-        {"app_control_create", nullptr, -5, 'E', nullptr, {}, {"launch"}},
-        {"eext_circle_object_genlist_add", nullptr, -5, 'E', nullptr, {}, {"circle"}},
-        {"eext_circle_object_scroller_add", nullptr, -5, 'E', nullptr, {}, {"circle"}},
-        {"uxt_popup_set_rotary_event_enabled", nullptr, -5, 'E', nullptr, {}, {"popup-rotary"}},
-        {"eext_rotary_object_event_activated_set", nullptr, -5, 'E', nullptr, {}, {"circle"}},
-        // Usage records are fire-and-forget.
-        {"nerova_log_manager_insert", nullptr, -5, 'E', nullptr, {}},
-        // Read only for one carrier model; this watch is another.
-        {"vconf_get_str", "db/csc/salescode", -5, 'E', nullptr, {}, {"main/Model number"}},
-
-        // The device status page.
-        {"tel_init",
-         nullptr,
-         -5,
-         'E',
-         "tel init error!!\n_tapihandle is null\nGetting misc version information is failed\n"
-         "tel_get_misc_me_version_sync() failed.\ntel_get_property_int failed [-2]",
-         {{"status/Hardware version", kUnknown},
-          {"status/Kesta phone number", kUnknown},
-          {"status/IMEI", kUnknown},
-          {"status/IMEI SV", kUnknown},
-          {"status/ICCID", kUnknown},
-          {"status/IMS registration status", "Off"}},
-         {"tel"}},
-        {"tel_register_noti_event", nullptr, -5, 'E', nullptr, {}, {"tel"}},
-        {"tel_get_misc_me_version_sync",
-         nullptr,
-         -5,
-         'E',
-         "tel_get_misc_me_version_sync() failed.",
-         {{"status/Hardware version", kUnknown}}},
-        {"tel_get_misc_me_sn_sync",
-         nullptr,
-         -5,
-         'E',
-         "Getting misc version information is failed",
-         {{"status/IMEI", kUnknown}, {"status/IMEI SV", kUnknown}}},
-        {"tel_get_property_int",
-         nullptr,
-         -5,
-         'E',
-         "tel_get_property_int failed [-5]",
-         {{"status/IMS registration status", "Off"}}},
-        {"tel_get_sim_msisdn",
-         nullptr,
-         -5,
-         'E',
-         "tel_get_sim_msisdn failed [-5]",
-         {{"status/Kesta phone number", kUnknown}}},
-        {"tel_request_sim_sync",
-         nullptr,
-         -5,
-         'E',
-         "tel_request_sim_sync failed [-5]",
-         {{"status/ICCID", kUnknown}}},
-        {"vconf_get_str",
-         "db/setting/selected_num",
-         -5,
-         'E',
-         "MSISDN Number is empty",
-         {{"status/Kesta phone number", kUnknown}}},
-        {"vconf_get_str",
-         "db/menu_widget/regionformat",
-         -5,
-         'E',
-         nullptr,
-         {{"status/Kesta phone number", kAny}}},
-        {"vconf_get_str",
-         "db/csc/text_string_customer",
-         -5,
-         'E',
-         "Customer Code is empty!",
-         {},
-         {"status/ICCID"}},
-        {"system_info_get_custom_int",
-         "tizen/feature/esim.phase",
-         -5,
-         'E',
-         "system_info_get_platform_int failed!!!!",
-         {{"status/Kesta eSIM profile", kAbsent}, {"status/eID", kAbsent}},
-         {"esim"}},
-        {"esim_init",
-         nullptr,
-         -5,
-         'E',
-         "[ESIM] esim_init fail",
-         {{"status/Kesta eSIM profile", "None"}, {"status/eID", kUnknown}},
-         {"esim"}},
-        {"esim_register_noti_event", nullptr, -5, 'E', nullptr, {}, {"esim"}},
-        {"esim_get_profile_list",
-         nullptr,
-         -5,
-         'E',
-         "[ESIM] esim_get_profile_list fail : fffffffb",
-         {{"status/Kesta eSIM profile", "None"}, {"status/ICCID", kUnknown}},
-         {"esim"}},
-        {"esim_get_eid",
-         nullptr,
-         -5,
-         'E',
-         "[ESIM] esim_get_eid fail : fffffffb",
-         {{"status/eID", kUnknown}},
-         {"esim"}},
-        {"vconf_get_int",
-         "db/setup_wizard/standalone",
-         -5,
-         'E',
-         nullptr,
-         {},
-         {"status/Kesta eSIM profile"}},
-        {"system_info_get_platform_bool",
-         "feature/network.telephony.service.cdma",
-         -5,
-         'E',
-         "system_info_get_platform_bool for cdma feature failed!!!",
-         {},
-         {"status/IMEI"}},
-        {"csc_feature_get_bool", "39", -5, 'E', nullptr, {{"status/Hardware version", kAbsent}}},
-        {"csc_feature_get_bool",
-         "93",
-         -5,
-         'E',
-         nullptr,
-         {{"status/IMS registration status", kAbsent}}},
-        {"csc_feature_get_bool",
-         "30",
-         -5,
-         'E',
-         nullptr,
-         {{"status/Barcode number", kAbsent}, {"status/Serial number", "NV480Q0A1B2C,3546201"}}},
-        {"wifi_manager_initialize",
-         nullptr,
-         -5,
-         'E',
-         "wifi manager initialize failed! [-5]",
-         {{"status/Wi-Fi MAC address", kUnknown}}},
-        {"wifi_manager_get_mac_address",
-         nullptr,
-         -5,
-         'E',
-         "Failed to get wifi mac address!",
-         {{"status/Wi-Fi MAC address", kUnknown}}},
-        // The adapter cannot answer without the stack; the address call's error decides.
-        {"bt_initialize",
-         nullptr,
-         -5,
-         'E',
-         "bluetooth initialization failed\nbt address : get bt address with error code:-29359871",
-         {{"status/Bluetooth address", "Unavailable"}}},
-        {"bt_adapter_get_address",
-         nullptr,
-         -5,
-         'E',
-         "bt address : get bt address with error code:-5",
-         {{"status/Bluetooth address", "Unavailable"}}},
-        // Closing the radios again is not examined.
-        {"bt_deinitialize", nullptr, -5, 'E', nullptr, {}, {"status/Bluetooth address"}},
-        {"wifi_manager_deinitialize", nullptr, -5, 'E', nullptr, {}, {"status/Wi-Fi MAC address"}},
-
-        // The software and security-platform pages.
-        {"system_info_get_platform_string",
-         "system/build.string",
-         -5,
-         'E',
-         "Setting - Software Version name does not exist![-5]",
-         {{"software/Software version", kUnknown}}},
-        {"system_info_get_platform_string",
-         "feature/platform.version",
-         -5,
-         'E',
-         "Setting - Tizen Version name does not exist![-5]",
-         {{"software/Tizen version", kUnknown}}},
-        {"vconf_get_str",
-         "db/smack/spd_installed_policy_version",
-         -5,
-         'E',
-         "Vconf value error!",
-         {{"software/Security status", kUnknown}}},
-        {"csc_svc_config_chk_approval_version_exist",
-         nullptr,
-         -5,
-         'E',
-         nullptr,
-         {},
-         {"software/Software version"}},
-        {"csc_svc_config_get_approval_version",
-         nullptr,
-         -5,
-         'E',
-         nullptr,
-         {},
-         {"software/Software version"}},
-        {"package_manager_get_package_info",
-         nullptr,
-         -5,
-         'E',
-         nullptr,
-         {{"software/Tessid Configure", kAbsent}}},
-        {"system_info_get_custom_string",
-         "tizen/feature/tessid.version",
-         -5,
-         'E',
-         "ret : -5",
-         {{"security/Tessid version#2", kUnknown}}},
-        {"system_info_get_custom_string",
-         "tizen/feature/mdm.version",
-         -5,
-         'E',
-         "ret : -5",
-         {{"security/Tessid Tizen Wearable SDK", kUnknown}}},
-        {"system_info_get_custom_string",
-         "tizen/feature/tessid.pelortizen.version",
-         -5,
-         'E',
-         "ret : -5",
-         {{"security/Pelor for Tizen", kUnknown}}},
-        {"system_info_get_custom_string",
-         "tizen/feature/tessid.vimo.version",
-         -5,
-         'E',
-         "ret : -5",
-         {{"security/VIMO", kUnknown}}},
-
-        // The battery page logs nothing: a missing key is a watch without that information.
-        {"system_info_get_custom_string",
-         "tizen/system/rated_voltage",
-         -5,
-         'E',
-         nullptr,
-         {{"battery/Rated", kUnknown}}},
-        {"system_info_get_custom_string",
-         "tizen/system/rated_current",
-         -5,
-         'E',
-         nullptr,
-         {{"battery/Rated", kUnknown}}},
-        {"system_info_get_custom_string",
-         "tizen/system/battery_capacity",
-         -5,
-         'E',
-         nullptr,
-         {{"battery/Battery capacity", kUnknown}}},
-    };
-    return points;
+std::vector<std::string> split(const std::string &text, char separator) {
+    std::vector<std::string> parts;
+    std::istringstream in(text);
+    for (std::string part; std::getline(in, part, separator);)
+        if (!part.empty())
+            parts.push_back(part);
+    return parts;
 }
 
-int screenCount() {
-    int count = 0;
-    for (const Step &step : kSteps)
-        count += step.counted ? 1 : 0;
-    return count;
-}
-
-// "main+/x" is the main list's x wherever it shows: alone, under each popup and afterwards.
-std::vector<Effect> expanded(const std::vector<Effect> &effects) {
-    std::vector<Effect> out;
-    for (const Effect &effect : effects) {
-        if (effect.cell.rfind("main+/", 0) == 0) {
+// Its effects as cell -> shows, "main+/" spread over the main list's four looks.
+std::map<std::string, std::string> effectsOf(const Point &point) {
+    std::map<std::string, std::string> effects;
+    for (const std::string &effect : split(point.effects, ';')) {
+        size_t eq = effect.find('=');
+        std::string cell = effect.substr(0, eq), shows = effect.substr(eq + 1);
+        if (cell.rfind("main+/", 0) != 0)
+            effects[cell] = shows;
+        else
             for (const char *screen : {"main/", "debug/", "consent/", "main2/"})
-                out.push_back({screen + effect.cell.substr(6), effect.shows});
-        } else {
-            out.push_back(effect);
-        }
+                effects[screen + cell.substr(6)] = shows;
     }
-    return out;
+    return effects;
 }
 
-std::set<std::string> involved(const FailurePoint &point) {
-    std::set<std::string> cells(point.involves.begin(), point.involves.end());
-    for (const Effect &effect : expanded(point.effects)) {
-        std::string cell = effect.cell;
-        // A row and its switch are one place on the screen.
-        if (cell.size() > 6 && cell.compare(cell.size() - 6, 6, "/check") == 0)
-            cell.resize(cell.size() - 6);
-        cells.insert(cell);
-    }
-    return cells;
+bool shares(const std::set<std::string> &a, const std::set<std::string> &b) {
+    for (const std::string &cell : a)
+        if (b.count(cell))
+            return true;
+    return false;
 }
 
-// Failure points that touch nothing in common run together.
-const std::vector<std::vector<size_t>> &batches() {
-    static std::vector<std::vector<size_t>> packed;
-    if (!packed.empty())
-        return packed;
+// Failure points that touch nothing in common run together (a row and its switch are one).
+std::vector<std::vector<const Point *>> batches() {
+    std::vector<std::vector<const Point *>> packed;
     std::vector<std::set<std::string>> used;
-    std::vector<bool> closed;
-    const auto &points = failurePoints();
-    for (size_t i = 0; i < points.size(); ++i) {
-        std::set<std::string> cells = involved(points[i]);
-        size_t target = packed.size();
-        for (size_t b = 0; b < packed.size() && !points[i].alone; ++b) {
-            if (closed[b])
-                continue;
-            bool disjoint = true;
-            for (const std::string &cell : cells)
-                disjoint = disjoint && !used[b].count(cell);
-            if (disjoint) {
-                target = b;
-                break;
-            }
-        }
-        if (target == packed.size()) {
+    for (const Point &point : kPoints) {
+        std::set<std::string> cells;
+        for (const std::string &cell : split(point.involves, ';'))
+            cells.insert(cell);
+        for (const auto &effect : effectsOf(point))
+            cells.insert(effect.first.substr(0, effect.first.rfind("/check")));
+        size_t b = 0;
+        while (b < packed.size() && (point.alone || packed[b][0]->alone || shares(cells, used[b])))
+            ++b;
+        if (b == packed.size()) {
             packed.emplace_back();
             used.emplace_back();
-            closed.push_back(points[i].alone);
         }
-        packed[target].push_back(i);
-        used[target].insert(cells.begin(), cells.end());
+        packed[b].push_back(&point);
+        used[b].insert(cells.begin(), cells.end());
     }
     return packed;
 }
@@ -558,7 +272,6 @@ const std::vector<std::vector<size_t>> &batches() {
 // exists), with every optional status row and answers that arrive at once.
 json baseProfile() {
     json profile = json::parse(readFile(SimulatedWatch::binDir() + "/../profiles/default.json"));
-    profile["description"] = "fault matrix";
     profile["settings"]["db/csc/country_iso"] = "IN";
     profile["csc"]["features"] = {{"30", true}, {"39", true}, {"93", true}};
     profile["latency"] = {{"msisdn_ms", 0}, {"esim_profile_list_ms", 0}, {"esim_eid_ms", 0}};
@@ -566,191 +279,140 @@ json baseProfile() {
     return profile;
 }
 
-// A screen as cells: "<screen>/<row label>" is the row's value, ".../check" its switch and
-// ".../disabled" whether it is greyed; "<screen>/rows" the labels in order. Labels that repeat
-// (a page title and a row of the same name) get "#2", "#3"...
-std::map<std::string, std::string> flatten(const std::string &screen, const json &dump) {
-    std::map<std::string, std::string> cells;
+// A screen as cells: "<screen>/<label>" the row's value, ".../check" its switch, ".../disabled"
+// whether it is greyed, "<screen>/rows" the labels in order; a label that repeats gets "#2"...
+// After the language change only the title matters: it tells which language shows.
+void flatten(const std::string &screen, const json &dump,
+             std::map<std::string, std::string> &cells) {
     if (screen == "lang") {
-        // After a language change only the title matters here: it tells which language shows.
         if (!dump["items"].empty())
             cells["lang/title"] = dump["items"][0]["texts"].value("elm.text", "");
-        return cells;
+        return;
     }
-    std::string order;
     std::map<std::string, int> seen;
     for (const auto &item : dump["items"]) {
         std::string label = item["texts"].value("elm.text", "");
-        int n = ++seen[label];
-        if (n > 1)
+        if (int n = ++seen[label]; n > 1)
             label += "#" + std::to_string(n);
-        std::string base = screen + "/" + label;
-        order += label + "|";
-        cells[base] = item["texts"].value("elm.text.1", "");
+        std::string cell = screen + "/" + label;
+        cells[screen + "/rows"] += label + "|";
+        cells[cell] = item["texts"].value("elm.text.1", "");
         if (!item["check"].is_null())
-            cells[base + "/check"] = item["check"].get<bool>() ? "true" : "false";
+            cells[cell + "/check"] = item["check"].get<bool>() ? "true" : "false";
         if (item.value("disabled", false))
-            cells[base + "/disabled"] = "true";
+            cells[cell + "/disabled"] = "true";
     }
-    cells[screen + "/rows"] = order;
     cells[screen + "/page"] = dump["page"].is_string() ? dump["page"].get<std::string>() : "";
     if (dump["layout"].is_object())
         for (auto &part : dump["layout"].items())
             cells[screen + "/layout/" + part.key()] = part.value().get<std::string>();
     if (dump["popup"].is_object()) {
-        const json &popup = dump["popup"];
         for (const char *field : {"title", "text"})
-            if (popup[field].is_string())
-                cells[screen + "/popup/" + field] = popup[field].get<std::string>();
-        std::string buttons;
-        for (const auto &button : popup["buttons"])
-            buttons += button.get<std::string>() + "|";
-        cells[screen + "/popup/buttons"] = buttons;
+            if (dump["popup"][field].is_string())
+                cells[screen + "/popup/" + field] = dump["popup"][field].get<std::string>();
+        for (const auto &button : dump["popup"]["buttons"])
+            cells[screen + "/popup/buttons"] += button.get<std::string>() + "|";
     }
     if (dump["toast"].is_string())
         cells[screen + "/toast"] = dump["toast"].get<std::string>();
-    return cells;
 }
 
 struct WatchRun {
     int status = -1;
-    std::string errors;
+    std::string errors, log;
     std::map<std::string, std::string> cells;
-    std::string log;
-    std::vector<std::string> screens;
 };
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(WatchRun, status, errors, log, cells)
 
-WatchRun runOnWatch(const json &profile, const std::set<std::string> &skipScreens) {
+WatchRun runOnWatch(const json &profile, bool withRegulatory) {
     std::string script;
     std::vector<std::string> screens;
     for (const Step &step : kSteps) {
-        if (skipScreens.count(step.screen))
+        if (!withRegulatory && std::string(step.screen) == "regulatory")
             continue;
         script += step.script;
-        if (std::string(step.script).find("dump") != std::string::npos)
+        if (*step.screen)
             screens.push_back(step.screen);
     }
     SimulatedWatch watch(profile.dump(2));
     SimulatedWatch::Result result = watch.drive(script);
-    WatchRun run;
-    run.status = result.status;
-    run.errors = result.errors;
-    run.screens = screens;
-    for (size_t i = 0; i < result.dumps.size() && i < screens.size(); ++i) {
-        auto cells = flatten(screens[i], result.dumps[i]);
-        run.cells.insert(cells.begin(), cells.end());
-    }
-    if (result.dumps.size() != screens.size())
-        run.status = run.status ? run.status : 99;
-    run.log = watch.platformLog();
+    WatchRun run{result.status, result.errors, watch.platformLog(), {}};
+    for (size_t i = 0; i < result.dumps.size() && i < screens.size(); ++i)
+        flatten(screens[i], result.dumps[i], run.cells);
+    if (result.dumps.size() != screens.size() && run.status == 0)
+        run.status = 99;
     return run;
-}
-
-json toJson(const WatchRun &run) {
-    return {{"status", run.status}, {"errors", run.errors}, {"cells", run.cells}, {"log", run.log}};
-}
-
-WatchRun fromJson(const json &saved) {
-    WatchRun run;
-    run.status = saved.value("status", -1);
-    run.errors = saved.value("errors", "");
-    run.cells = saved.value("cells", std::map<std::string, std::string>());
-    run.log = saved.value("log", "");
-    return run;
-}
-
-long long modified(const std::string &path) {
-    struct stat st;
-    return stat(path.c_str(), &st) == 0 ? static_cast<long long>(st.st_mtime) : 0;
 }
 
 // The watch without faults, run once for all the test programs of one build: the first one to
-// get the lock runs it, the others read what it found.
+// take the lock runs it, the others read what it found. Anything rebuilt runs it again.
 const WatchRun &baseline() {
     static WatchRun run;
     static bool done = false;
     if (done)
         return run;
     done = true;
-    std::string dir = SimulatedWatch::binDir() + "/..";
-    // Anything rebuilt since the last run makes it run again.
-    std::string stamp;
+    std::string bin = SimulatedWatch::binDir(), dir = bin + "/..", stamp;
     for (const std::string &file :
-         {SimulatedWatch::binDir() + "/quillset-drive", SimulatedWatch::binDir() + "/quillset-sim",
-          SimulatedWatch::binDir() + "/quillset-simd", dir + "/profiles/default.json",
-          dir + "/res/locale/en/LC_MESSAGES/quillset.mo", std::string("/proc/self/exe")})
-        stamp += std::to_string(modified(file)) + "-";
+         {bin + "/quillset-drive", bin + "/quillset-sim", bin + "/quillset-simd",
+          dir + "/profiles/default.json", dir + "/res/locale/en/LC_MESSAGES/quillset.mo",
+          std::string("/proc/self/exe")}) {
+        struct stat st = {};
+        stat(file.c_str(), &st);
+        stamp += std::to_string(st.st_mtime) + "-";
+    }
     int lock = open((dir + "/fault-matrix.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (lock >= 0)
-        flock(lock, LOCK_EX);
+    flock(lock, LOCK_EX);
     std::string cachePath = dir + "/fault-matrix-baseline.json";
     json cached = json::parse(readFile(cachePath), nullptr, false);
     if (cached.is_object() && cached.value("stamp", "") == stamp) {
-        run = fromJson(cached["run"]);
+        run = cached["run"].get<WatchRun>();
     } else {
-        run = runOnWatch(baseProfile(), {});
+        run = runOnWatch(baseProfile(), true);
         if (run.status == 0)
-            std::ofstream(cachePath) << json{{"stamp", stamp}, {"run", toJson(run)}}.dump();
+            std::ofstream(cachePath) << json{{"stamp", stamp}, {"run", run}}.dump();
     }
-    if (lock >= 0)
-        close(lock);
+    close(lock);
     return run;
 }
 
-bool matchesPrefix(const std::string &cell, const std::string &pattern) {
-    return !pattern.empty() && pattern.back() == '*' &&
-           cell.compare(0, pattern.size() - 1, pattern, 0, pattern.size() - 1) == 0;
-}
+// A platform log: the application's lines (W-SETTING, whose colour must fit the priority, and
+// the framework's WAPP) as "P message"; all lines also as "P function > message" (the
+// application's) or "P TAG: message" (the platform's).
+struct Log {
+    std::set<std::string> application;
+    std::multiset<std::string> all;
+};
 
-// Log lines "<time> <P>/W-SETTING(<pid>): <file>: <function>(<line>) > <colour>message<reset>".
-int countLogLines(const std::string &log, char priority, const std::string &message) {
-    std::string colour = priority == 'E'   ? "\033[0;31m* Critical * "
-                         : priority == 'W' ? "\033[0;35m"
-                                           : "\033[0;32m";
-    std::string wanted = ") > " + colour + message + "\033[0;m";
-    std::string tag = std::string(" ") + priority + "/W-SETTING(";
-    // The application framework logs under its own tag, without colours.
-    std::string frameworkWanted = ") > " + message;
-    std::string frameworkTag = std::string(" ") + priority + "/WAPP(";
-    auto endsWith = [](const std::string &line, const std::string &end) {
-        return line.size() >= end.size() &&
-               line.compare(line.size() - end.size(), end.size(), end) == 0;
-    };
-    int count = 0;
-    std::istringstream in(log);
-    std::string line;
-    while (std::getline(in, line))
-        if ((line.find(tag) != std::string::npos && line.find(wanted) != std::string::npos) ||
-            (line.find(frameworkTag) != std::string::npos && endsWith(line, frameworkWanted)))
-            ++count;
-    return count;
-}
-
-// The application's own lines ("W-SETTING", and the framework's "WAPP"), as priority and
-// message without colours.
-std::set<std::string> applicationLines(const std::string &log) {
-    std::set<std::string> lines;
-    std::istringstream in(log);
-    std::string line;
-    while (std::getline(in, line)) {
-        size_t tag = line.find('/');
-        size_t start = line.find(") > ");
-        if (tag == std::string::npos || tag < 1 || start == std::string::npos ||
-            (line.compare(tag + 1, 10, "W-SETTING(") != 0 &&
-             line.compare(tag + 1, 5, "WAPP(") != 0))
+Log parseLog(const std::string &text) {
+    const std::map<char, std::string> colours = {
+        {'E', "\033[0;31m* Critical * "}, {'W', "\033[0;35m"}, {'I', "\033[0;32m"}};
+    const std::string reset = "\033[0;m";
+    Log log;
+    for (const std::string &line : split(text, '\n')) {
+        size_t slash = line.find('/'), open = line.find('(', slash), body = line.find("): ", open);
+        if (slash == std::string::npos || slash < 1 || body == std::string::npos)
             continue;
-        std::string message = line.substr(start + 4);
-        for (const char *colour :
-             {"\033[0;31m* Critical * ", "\033[0;35m", "\033[0;32m", "\033[0;m"})
-            for (size_t at; (at = message.find(colour)) != std::string::npos;)
-                message.erase(at, strlen(colour));
-        lines.insert(line.substr(tag - 1, 1) + " " + message);
+        std::string priority(1, line[slash - 1]), tag = line.substr(slash + 1, open - slash - 1);
+        std::string message = line.substr(body + 3);
+        size_t arrow = message.find(") > ");
+        if ((tag != "W-SETTING" && tag != "WAPP") || arrow == std::string::npos) {
+            log.all.insert(priority + " " + tag + ": " + message);
+            continue;
+        }
+        size_t name = message.find(": ") + 2;
+        std::string function = message.substr(name, message.rfind('(', arrow) - name);
+        message.erase(0, arrow + 4);
+        auto colour = colours.find(priority[0]);
+        size_t end = message.size() - std::min(message.size(), reset.size());
+        if (tag == "W-SETTING" && colour != colours.end() &&
+            message.rfind(colour->second, 0) == 0 && message.compare(end, reset.size(), reset) == 0)
+            message = message.substr(colour->second.size(), end - colour->second.size());
+        log.application.insert(priority + " " + message);
+        log.all.insert(priority + " " + message);
+        log.all.insert(priority + " " + function + " > " + message);
     }
-    return lines;
-}
-
-std::string describe(const FailurePoint &point) {
-    return std::string(point.call) + (point.key ? std::string("(") + point.key + ")" : "");
+    return log;
 }
 
 class FaultMatrix : public ::testing::TestWithParam<size_t> {};
@@ -760,13 +422,15 @@ class FaultMatrix : public ::testing::TestWithParam<size_t> {};
 TEST(FaultMatrixBaseline, TheWatchWithoutFaultsShowsEveryScreen) {
     const WatchRun &run = baseline();
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(run.cells.at("main/Model number"), "QX-M480");
-    EXPECT_EQ(run.cells.at("main2/Debugging/check"), "true");
-    EXPECT_EQ(run.cells.at("main2/" + kConsent + "/check"), "true");
-    EXPECT_EQ(run.cells.at("status/eID"), "89000480000001000000012345678901");
-    EXPECT_EQ(run.cells.at("status/Barcode number"), "3546201");
-    EXPECT_EQ(run.cells.at("security/VIMO"), "1.4.2");
-    EXPECT_EQ(run.cells.at("battery/Rated"), "3.85V; 300mA");
+    for (const auto &[cell, shows] : std::map<std::string, std::string>{
+             {"main/Model number", "QX-M480"},
+             {"main2/Debugging/check", "true"},
+             {"main2/Report diagnostic and usage info/check", "true"},
+             {"status/eID", "89000480000001000000012345678901"},
+             {"status/Barcode number", "3546201"},
+             {"security/VIMO", "1.4.2"},
+             {"battery/Rated", "3.85V; 300mA"}})
+        EXPECT_EQ(run.cells.at(cell), shows);
     EXPECT_NE(run.cells.at("lang/title"), "About Kesta") << "the language event changes nothing";
     EXPECT_TRUE(run.cells.count("regulatory/layout/text.title"));
 }
@@ -774,115 +438,95 @@ TEST(FaultMatrixBaseline, TheWatchWithoutFaultsShowsEveryScreen) {
 TEST_P(FaultMatrix, EachFailureIsLoggedShowsItsSafeValueAndLeavesTheRestAlone) {
     const WatchRun &base = baseline();
     ASSERT_EQ(base.status, 0) << base.errors;
-    const auto &points = failurePoints();
-    const std::vector<size_t> &batch = batches().at(GetParam());
-
     json profile = baseProfile();
     std::map<std::string, std::string> expected;
-    std::set<std::string> skip;
-    std::string names;
-    for (size_t i : batch) {
-        const FailurePoint &point = points[i];
-        json fault = {{"call", point.call}, {"code", point.code}};
-        if (point.key)
-            fault["key"] = point.key;
+    std::map<std::string, int> logged;  // "P message" -> how many failures leave it at least
+    std::set<std::string> allowed;      // the application's lines among them
+    const auto batch = batches().at(GetParam());
+    for (const Point *point : batch) {
+        std::string call = point->call;
+        size_t key = call.find('(');
+        json fault = {{"call", call.substr(0, key)}, {"code", point->code}};
+        if (key != std::string::npos)
+            fault["key"] = call.substr(key + 1, call.size() - key - 2);
         profile["faults"].push_back(fault);
-        names += "\n  " + describe(point);
-        for (const Effect &effect : expanded(point.effects)) {
-            expected[effect.cell] = effect.shows;
-            if (effect.cell == "main/Regulatory information" && effect.shows == kAbsent)
-                skip.insert("regulatory");
+        printf("failing: %s\n", point->call);
+        for (const auto &effect : effectsOf(*point))
+            expected[effect.first] = effect.second;
+        for (const std::string &line : split(point->log, '\n')) {
+            ++logged[std::string(1, point->priority) + " " + line];
+            allowed.insert(
+                std::string(1, point->priority) + " " +
+                line.substr(line.find(" > ") == std::string::npos ? 0 : line.find(" > ") + 3));
         }
+        for (const std::string &line : split(point->platform, '\n'))
+            ++logged[std::string(1, point->priority) + " " + line];
     }
-    printf("failing together:%s\n", names.c_str());
-    WatchRun run = runOnWatch(profile, skip);
+    bool withRegulatory = expected.count("main/Regulatory information") == 0;  // else gone
+    WatchRun run = runOnWatch(profile, withRegulatory);
     ASSERT_EQ(run.status, 0) << "the application did not carry on through every screen:\n"
                              << run.errors;
 
-    // Rows that a failure takes away leave the others in their order.
-    std::map<std::string, std::string> wanted = base.cells;
-    for (auto &entry : wanted) {
-        const std::string &cell = entry.first;
-        size_t slash = cell.find('/');
-        if (cell.compare(slash, std::string::npos, "/rows") != 0)
-            continue;
-        std::string screen = cell.substr(0, slash), order;
-        std::istringstream labels(entry.second);
-        std::string label;
-        while (std::getline(labels, label, '|')) {
-            auto gone = expected.find(screen + "/" + label);
-            if (gone == expected.end() || gone->second != kAbsent)
-                order += label + "|";
-        }
-        entry.second = order;
-    }
-    for (const std::string &screen : skip)
-        for (auto it = wanted.begin(); it != wanted.end();)
-            it = it->first.rfind(screen + "/", 0) == 0 ? wanted.erase(it) : std::next(it);
-
-    auto expectation = [&expected](const std::string &cell) -> const std::string * {
-        auto exact = expected.find(cell);
-        if (exact != expected.end())
-            return &exact->second;
-        for (const auto &entry : expected)
-            if (matchesPrefix(cell, entry.first))
-                return &entry.second;
-        return nullptr;
+    // Every cell of the watch without faults, as the failures change it; rows that a failure
+    // takes away leave the others in their order.
+    auto expectation = [&expected](const std::string &cell) -> std::string {
+        if (expected.count(cell))
+            return expected.at(cell);
+        for (const auto &[pattern, shows] : expected)
+            if (pattern.back() == '*' && cell.rfind(pattern.substr(0, pattern.size() - 1), 0) == 0)
+                return shows;
+        return "";
     };
-    for (const auto &entry : wanted) {
-        const std::string &cell = entry.first;
-        const std::string *shows = expectation(cell);
+    std::map<std::string, std::string> wanted;
+    for (const auto &[cell, shows] : base.cells) {
+        std::string screen = cell.substr(0, cell.find('/'));
+        if (screen == "regulatory" && !withRegulatory)
+            continue;
+        wanted[cell] = shows;
+        if (cell == screen + "/rows") {
+            wanted[cell].clear();
+            for (const std::string &label : split(shows, '|'))
+                if (expectation(screen + "/" + label) != "-")
+                    wanted[cell] += label + "|";
+        }
+    }
+    for (const auto &[cell, shows] : wanted) {
+        std::string want = expectation(cell);
         auto got = run.cells.find(cell);
-        if (shows && *shows == kAny)
-            continue;
-        if (shows && *shows == kAbsent) {
+        if (want == "-") {
             EXPECT_EQ(got, run.cells.end()) << cell << " should be gone";
-            continue;
+        } else if (want != "*" && got == run.cells.end()) {
+            ADD_FAILURE() << cell << " is missing; it shows \"" << shows << "\" without faults";
+        } else if (want != "*") {
+            EXPECT_EQ(got->second, want.empty() ? shows : want) << cell;
         }
-        if (got == run.cells.end()) {
-            ADD_FAILURE() << cell << " is missing; it shows \"" << entry.second
-                          << "\" without faults";
-            continue;
-        }
-        EXPECT_EQ(got->second, shows ? *shows : entry.second) << cell;
     }
-    for (const auto &entry : run.cells) {
-        const std::string *shows = expectation(entry.first);
-        if (!wanted.count(entry.first) && !(shows && *shows == kAny))
-            ADD_FAILURE() << entry.first << " appeared with \"" << entry.second << "\"";
-    }
+    for (const auto &[cell, shows] : run.cells)
+        if (!wanted.count(cell) && expectation(cell) != "*")
+            ADD_FAILURE() << cell << " appeared with \"" << shows << "\"";
 
-    // Each failure's log line, as many times at least as failures share it.
-    std::map<std::pair<char, std::string>, int> logs;
-    for (size_t i : batch) {
-        std::istringstream lines(points[i].log ? points[i].log : "");
-        for (std::string line; std::getline(lines, line);)
-            ++logs[{points[i].priority, line}];
-    }
-    for (const auto &entry : logs)
-        EXPECT_GE(countLogLines(run.log, entry.first.first, entry.first.second), entry.second)
-            << entry.first.first << " \"" << entry.first.second << "\" not logged:\n"
+    // Each failure's lines, as many times at least as failures share them, and no line of the
+    // application's that neither a failure nor the watch without faults gives.
+    Log log = parseLog(run.log), baseLog = parseLog(base.log);
+    for (const auto &[line, count] : logged)
+        EXPECT_GE(log.all.count(line), static_cast<size_t>(count))
+            << "\"" << line << "\" not logged:\n"
             << run.log;
-
-    // And no line of the application's that neither a failure nor the watch without faults
-    // gives.
-    std::set<std::string> allowed = applicationLines(base.log);
-    for (const auto &entry : logs)
-        allowed.insert(std::string(1, entry.first.first) + " " + entry.first.second);
-    for (const std::string &line : applicationLines(run.log))
-        EXPECT_TRUE(allowed.count(line)) << "unexpected log line: " << line;
+    for (const std::string &line : log.application)
+        if (!baseLog.application.count(line) && !allowed.count(line))
+            ADD_FAILURE() << "unexpected log line: " << line;
 }
 
 INSTANTIATE_TEST_SUITE_P(Batches, FaultMatrix, ::testing::Range<size_t>(0, batches().size()));
 
 // The matrix covers every failure point on every screen a person can open.
 TEST(FaultMatrixSize, EveryFailurePointMeetsEveryScreen) {
-    size_t points = failurePoints().size();
-    int screens = screenCount();
-    size_t covered = 0;
+    size_t covered = 0, screens = 0;
     for (const auto &batch : batches())
         covered += batch.size();
-    EXPECT_EQ(covered, points);
-    printf("fault matrix: %zu failure points x %d screens = %zu (%zu runs of the application)\n",
-           points, screens, points * screens, batches().size());
+    for (const Step &step : kSteps)
+        screens += step.counted;
+    EXPECT_EQ(covered, kPoints.size());
+    printf("fault matrix: %zu failure points x %zu screens = %zu (%zu runs of the application)\n",
+           kPoints.size(), screens, kPoints.size() * screens, batches().size());
 }
