@@ -24,195 +24,130 @@ using nlohmann::json;
 
 namespace {
 
-// A failing call, "call" or "call(key)". log: the application's lines it leaves, one a line
-// ("function > message" when the function matters), the failure's own first; "" when it is
-// silent by design. effects: "cell=shows;..." ("main+/row" is the main list's row under the
-// popups too; "-" the cell is gone, "*" it is not checked). involves: other cells or services
-// its line or value relies on; points that share one never run together. platform: a line the
-// platform must log, "TAG: message".
+// A failing call, "call" or "call(key)". log: the lines it leaves, one a line, the failure's own
+// first ("function > message" when the function matters, "/TAG: message" for the platform's
+// own lines); "" when it is silent by design. touches: "cell=shows" for what it shows ("main+/row"
+// is the main list's row under the popups too; "-" the cell is gone, "*" it is not checked),
+// and the cells or services its line or value relies on; points that touch one thing in common
+// never run together.
 struct Point {
     const char *call;
     const char *log;
-    const char *effects = "";
-    const char *involves = "";
-    const char *platform = "";
+    const char *touches = "";
     char priority = 'E';
     int code = -5;
-    bool alone = false;
 };
 
-const char *const kFallbackTable =
-    "UXT: colour table "
-    "/usr/apps/com.nerova.quillset/shared/res/tables/setting_style_ChangeableColorInfo.xml "
-    "cannot be opened";
-
+// clang-format off
 const std::vector<Point> kPoints = {
     // The main list, its switches and its popups.
-    {"system_info_get_platform_string(system/model_name)",
-     "Setting - Model number do not get!! error!! [-5]", "main+/Model number=Unknown"},
+    {"system_info_get_platform_string(system/model_name)", "Setting - Model number do not get!! error!! [-5]", "main+/Model number=Unknown"},
     {"storage_get_internal_memory_size", "", "main+/Storage=Unknown"},
     // Until the change notification sets it, the switch shows off.
-    {"vconf_get_bool(db/setting/debug_mode)", "Setting - USB debugging's info do not get!!!",
-     "main/Debugging/check=false;debug/Debugging/check=false", "debug-switch"},
-    {"vconf_get_bool(db/wms/user_agreement/errorlog)", "Setting - report diagnostic not get!!!",
-     "main/Report diagnostic and usage info/check=false;debug/Report diagnostic and usage "
-     "info/check=false;consent/Report diagnostic and usage info/check=false",
-     "consent-switch"},
-    {"vconf_notify_key_changed(db/setting/debug_mode)",
-     "Register vconf notify key changed failed(VCONFKEY_SETAPPL_USB_DEBUG_MODE_BOOL)",
-     "consent/Debugging/check=false;main2/Debugging/check=false", "debug-switch"},
-    {"vconf_notify_key_changed(db/wms/user_agreement/errorlog)",
-     "Register vconf notify key changed failed(KEY_USER_AGREEMENT_ERROR_LOG)",
-     "main2/Report diagnostic and usage info/check=false", "consent-switch"},
-    {"vconf_notify_key_changed(db/setting/update-service/auto_update_type)",
-     "Register vconf notify key changed failed(VCONFKEY_AUTO_UPDATE_TYPE)"},
-    {"vconf_set_bool(db/setting/debug_mode)", "Setting - USB debugging do not set!!!",
-     "consent/Debugging/check=false;main2/Debugging/check=false", "debug-switch"},
-    {"vconf_set_bool(db/wms/user_agreement/errorlog)", "Setting - report diagnostic is not set!!!",
-     "main2/Report diagnostic and usage info/check=false", "consent-switch"},
-    {"mdm_get_service", "[MDM] mdm_get_service() failed -1\n[MDM] mdm_get_service failed", "",
-     "policy", "", 'E', -1},
-    {"mdm_get_allow_usb_debugging", "", "", "policy"},
-    {"mdm_register_policy_receiver", "", "", "policy"},
-    {"tessid_mdm_platform_is_usb_debugging_change_allowed",
-     "[MDM] tessid_mdm_platform_is_usb_debugging_change_allowed failed", "", "policy"},
-    {"vconf_get_int(db/retailmode/enabled)", "VCONFKEY_RETAILMODE_ENABLED get error!!", "",
-     "retail"},
-    {"vconf_get_int(db/retailmode/RDU_V9/enabled)",
-     "VCONFKEY_RETAILMODE_ENABLED_RDU_V9 get error!!", "", "retail"},
+    {"vconf_get_bool(db/setting/debug_mode)", "Setting - USB debugging's info do not get!!!", "main/Debugging/check=false;debug/Debugging/check=false;debug-switch"},
+    {"vconf_get_bool(db/wms/user_agreement/errorlog)", "Setting - report diagnostic not get!!!", "main/Report diagnostic and usage info/check=false;debug/Report diagnostic and usage info/check=false;consent/Report diagnostic and usage info/check=false;consent-switch"},
+    {"vconf_notify_key_changed(db/setting/debug_mode)", "Register vconf notify key changed failed(VCONFKEY_SETAPPL_USB_DEBUG_MODE_BOOL)", "consent/Debugging/check=false;main2/Debugging/check=false;debug-switch"},
+    {"vconf_notify_key_changed(db/wms/user_agreement/errorlog)", "Register vconf notify key changed failed(KEY_USER_AGREEMENT_ERROR_LOG)", "main2/Report diagnostic and usage info/check=false;consent-switch"},
+    {"vconf_notify_key_changed(db/setting/update-service/auto_update_type)", "Register vconf notify key changed failed(VCONFKEY_AUTO_UPDATE_TYPE)"},
+    {"vconf_set_bool(db/setting/debug_mode)", "Setting - USB debugging do not set!!!", "consent/Debugging/check=false;main2/Debugging/check=false;debug-switch"},
+    {"vconf_set_bool(db/wms/user_agreement/errorlog)", "Setting - report diagnostic is not set!!!", "main2/Report diagnostic and usage info/check=false;consent-switch"},
+    {"mdm_get_service", "[MDM] mdm_get_service() failed -1\n[MDM] mdm_get_service failed", "policy", 'E', -1},
+    {"mdm_get_allow_usb_debugging", "", "policy"},
+    {"mdm_register_policy_receiver", "", "policy"},
+    {"tessid_mdm_platform_is_usb_debugging_change_allowed", "[MDM] tessid_mdm_platform_is_usb_debugging_change_allowed failed", "policy"},
+    {"vconf_get_int(db/retailmode/enabled)", "VCONFKEY_RETAILMODE_ENABLED get error!!", "retail"},
+    {"vconf_get_int(db/retailmode/RDU_V9/enabled)", "VCONFKEY_RETAILMODE_ENABLED_RDU_V9 get error!!", "retail"},
     {"vconf_get_str(db/csc/country_iso)", "", "main+/Regulatory information=-;regulatory/*=*"},
-    {"vconf_get_str(db/csc/text_string_country)", "", "", "country"},
+    {"vconf_get_str(db/csc/text_string_country)", "", "country"},
     {"nerova_log_manager_create", "nerova_log_manager_create failed - [-5]"},
-    // The colour table then comes from the settings package's fixed directory.
-    {"app_manager_get_shared_resource_path", "app_manager_get_shared_resource_path() failed!", "",
-     "colour", kFallbackTable},
-    {"uxt_theme_add_color_table", "", "", "colour"},
+    // The colour table then comes from the settings package's fixed directory: the platform
+    // says so when it finds no file there.
+    {"app_manager_get_shared_resource_path", "app_manager_get_shared_resource_path() failed!\n/UXT: colour table /usr/apps/com.nerova.quillset/shared/res/tables/setting_style_ChangeableColorInfo.xml cannot be opened", "colour"},
+    {"uxt_theme_add_color_table", "", "colour"},
     // Without the resource directory there is no message catalogue: every text shows as its
     // string id. The layouts are missing; their pages and the popups still open, unlogged.
-    {"app_get_resource_path", "",
-     "*=*;consent/popup/text=-;licences/layout/text.title=-;licences/layout/text.body=-;regulatory/"
-     "layout/text.title=-",
-     "", "", 'E', -5, true},
+    {"app_get_resource_path", "", "*=*;consent/popup/text=-;licences/layout/text.title=-;licences/layout/text.body=-;regulatory/layout/text.title=-"},
     // The platform switches the process's language; the toolkit is not told, and texts
     // already shown stay as they were. Without its handler the application never hears of it.
     {"app_event_get_language", "app_event_get_language() failed!", "lang/title=*"},
     {"ui_app_add_event_handler", "ui_app_add_event_handler(2) failed: -5", "lang/title=*"},
-    {"app_control_send_launch_request", "app_control ret error code= -5", "", "launch"},
-    {"app_control_send_terminate_request", "app_control ret error code= -5", "", "launch", "", 'W'},
-    {"app_control_create", "", "", "launch"},
-    {"eext_circle_object_genlist_add", "", "", "circle"},
-    {"eext_circle_object_scroller_add", "", "", "circle"},
-    {"uxt_popup_set_rotary_event_enabled", "", "", "popup-rotary"},
-    {"eext_rotary_object_event_activated_set", "", "", "circle"},
+    {"app_control_send_launch_request", "app_control ret error code= -5", "launch"},
+    {"app_control_send_terminate_request", "app_control ret error code= -5", "launch", 'W', -5},
+    {"app_control_create", "", "launch"},
+    {"eext_circle_object_genlist_add", "", "circle"},
+    {"eext_circle_object_scroller_add", "", "circle"},
+    {"uxt_popup_set_rotary_event_enabled", "", "popup-rotary"},
+    {"eext_rotary_object_event_activated_set", "", "circle"},
     // Usage records are fire-and-forget.
     {"nerova_log_manager_insert", ""},
     // Read only for one carrier model; this watch is another.
-    {"vconf_get_str(db/csc/salescode)", "", "", "main/Model number"},
+    {"vconf_get_str(db/csc/salescode)", "", "main/Model number"},
 
     // The device status page.
-    {"tel_init",
-     "tel init error!!\n_tapihandle is null\ngetImeiInfo > Getting misc version information is "
-     "failed\ngetImeiSvInfo > Getting misc version information is "
-     "failed\ntel_get_misc_me_version_sync() failed.\ntel_get_property_int failed [-2]",
-     "status/Hardware version=Unknown;status/Kesta phone "
-     "number=Unknown;status/IMEI=Unknown;status/IMEI SV=Unknown;status/ICCID=Unknown;status/IMS "
-     "registration status=Off",
-     "tel"},
-    {"tel_register_noti_event", "", "", "tel"},
-    {"tel_get_misc_me_version_sync", "tel_get_misc_me_version_sync() failed.",
-     "status/Hardware version=Unknown"},
-    {"tel_get_misc_me_sn_sync",
-     "getImeiInfo > Getting misc version information is failed\ngetImeiSvInfo > Getting misc "
-     "version information is failed",
-     "status/IMEI=Unknown;status/IMEI SV=Unknown"},
-    {"tel_get_property_int", "tel_get_property_int failed [-5]",
-     "status/IMS registration status=Off"},
+    {"tel_init", "tel init error!!\n_tapihandle is null\ngetImeiInfo > Getting misc version information is failed\ngetImeiSvInfo > Getting misc version information is failed\ntel_get_misc_me_version_sync() failed.\ntel_get_property_int failed [-2]", "status/Hardware version=Unknown;status/Kesta phone number=Unknown;status/IMEI=Unknown;status/IMEI SV=Unknown;status/ICCID=Unknown;status/IMS registration status=Off;tel"},
+    {"tel_register_noti_event", "", "tel"},
+    {"tel_get_misc_me_version_sync", "tel_get_misc_me_version_sync() failed.", "status/Hardware version=Unknown"},
+    {"tel_get_misc_me_sn_sync", "getImeiInfo > Getting misc version information is failed\ngetImeiSvInfo > Getting misc version information is failed", "status/IMEI=Unknown;status/IMEI SV=Unknown"},
+    {"tel_get_property_int", "tel_get_property_int failed [-5]", "status/IMS registration status=Off"},
     {"tel_get_sim_msisdn", "tel_get_sim_msisdn failed [-5]", "status/Kesta phone number=Unknown"},
     {"tel_request_sim_sync", "tel_request_sim_sync failed [-5]", "status/ICCID=Unknown"},
-    {"vconf_get_str(db/setting/selected_num)", "MSISDN Number is empty",
-     "status/Kesta phone number=Unknown"},
+    {"vconf_get_str(db/setting/selected_num)", "MSISDN Number is empty", "status/Kesta phone number=Unknown"},
     {"vconf_get_str(db/menu_widget/regionformat)", "", "status/Kesta phone number=*"},
-    {"vconf_get_str(db/csc/text_string_customer)", "Customer Code is empty!", "", "status/ICCID"},
-    {"system_info_get_custom_int(tizen/feature/esim.phase)",
-     "system_info_get_platform_int failed!!!!", "status/Kesta eSIM profile=-;status/eID=-", "esim"},
-    {"esim_init", "[ESIM] esim_init fail", "status/Kesta eSIM profile=None;status/eID=Unknown",
-     "esim"},
-    {"esim_register_noti_event", "", "", "esim"},
-    {"esim_get_profile_list", "[ESIM] esim_get_profile_list fail : fffffffb\nno enabled profile",
-     "status/Kesta eSIM profile=None;status/ICCID=Unknown", "esim"},
-    {"esim_get_eid", "[ESIM] esim_get_eid fail : fffffffb", "status/eID=Unknown", "esim"},
-    {"vconf_get_int(db/setup_wizard/standalone)", "", "", "status/Kesta eSIM profile"},
-    {"system_info_get_platform_bool(feature/network.telephony.service.cdma)",
-     "system_info_get_platform_bool for cdma feature failed!!!", "", "status/IMEI"},
+    {"vconf_get_str(db/csc/text_string_customer)", "Customer Code is empty!", "status/ICCID"},
+    {"system_info_get_custom_int(tizen/feature/esim.phase)", "system_info_get_platform_int failed!!!!", "status/Kesta eSIM profile=-;status/eID=-;esim"},
+    {"esim_init", "[ESIM] esim_init fail", "status/Kesta eSIM profile=None;status/eID=Unknown;esim"},
+    {"esim_register_noti_event", "", "esim"},
+    {"esim_get_profile_list", "[ESIM] esim_get_profile_list fail : fffffffb\nno enabled profile", "status/Kesta eSIM profile=None;status/ICCID=Unknown;esim"},
+    {"esim_get_eid", "[ESIM] esim_get_eid fail : fffffffb", "status/eID=Unknown;esim"},
+    {"vconf_get_int(db/setup_wizard/standalone)", "", "status/Kesta eSIM profile"},
+    {"system_info_get_platform_bool(feature/network.telephony.service.cdma)", "system_info_get_platform_bool for cdma feature failed!!!", "status/IMEI"},
     {"csc_feature_get_bool(39)", "", "status/Hardware version=-"},
     {"csc_feature_get_bool(93)", "", "status/IMS registration status=-"},
-    {"csc_feature_get_bool(30)", "",
-     "status/Barcode number=-;status/Serial number=NV480Q0A1B2C,3546201"},
-    {"wifi_manager_initialize", "wifi manager initialize failed! [-5]",
-     "status/Wi-Fi MAC address=Unknown"},
-    {"wifi_manager_get_mac_address", "Failed to get wifi mac address!",
-     "status/Wi-Fi MAC address=Unknown"},
+    {"csc_feature_get_bool(30)", "", "status/Barcode number=-;status/Serial number=NV480Q0A1B2C,3546201"},
+    {"wifi_manager_initialize", "wifi manager initialize failed! [-5]", "status/Wi-Fi MAC address=Unknown"},
+    {"wifi_manager_get_mac_address", "Failed to get wifi mac address!", "status/Wi-Fi MAC address=Unknown"},
     // The adapter cannot answer without the stack; the address call's error decides.
-    {"bt_initialize",
-     "bluetooth initialization failed\nbt address : get bt address with error code:-29359871",
-     "status/Bluetooth address=Unavailable"},
-    {"bt_adapter_get_address", "bt address : get bt address with error code:-5",
-     "status/Bluetooth address=Unavailable"},
+    {"bt_initialize", "bluetooth initialization failed\nbt address : get bt address with error code:-29359871", "status/Bluetooth address=Unavailable"},
+    {"bt_adapter_get_address", "bt address : get bt address with error code:-5", "status/Bluetooth address=Unavailable"},
     // Closing the radios again is not examined.
-    {"bt_deinitialize", "", "", "status/Bluetooth address"},
-    {"wifi_manager_deinitialize", "", "", "status/Wi-Fi MAC address"},
+    {"bt_deinitialize", "", "status/Bluetooth address"},
+    {"wifi_manager_deinitialize", "", "status/Wi-Fi MAC address"},
 
     // The software and security-platform pages.
-    {"system_info_get_platform_string(system/build.string)",
-     "Setting - Software Version name does not exist![-5]", "software/Software version=Unknown"},
-    {"system_info_get_platform_string(feature/platform.version)",
-     "Setting - Tizen Version name does not exist![-5]", "software/Tizen version=Unknown"},
-    {"vconf_get_str(db/smack/spd_installed_policy_version)", "Vconf value error!",
-     "software/Security status=Unknown"},
-    {"csc_svc_config_chk_approval_version_exist", "", "", "software/Software version"},
-    {"csc_svc_config_get_approval_version", "", "", "software/Software version"},
+    {"system_info_get_platform_string(system/build.string)", "Setting - Software Version name does not exist![-5]", "software/Software version=Unknown"},
+    {"system_info_get_platform_string(feature/platform.version)", "Setting - Tizen Version name does not exist![-5]", "software/Tizen version=Unknown"},
+    {"vconf_get_str(db/smack/spd_installed_policy_version)", "Vconf value error!", "software/Security status=Unknown"},
+    {"csc_svc_config_chk_approval_version_exist", "", "software/Software version"},
+    {"csc_svc_config_get_approval_version", "", "software/Software version"},
     {"package_manager_get_package_info", "", "software/Tessid Configure=-"},
-    {"system_info_get_custom_string(tizen/feature/tessid.version)", "ret : -5",
-     "security/Tessid version#2=Unknown"},
-    {"system_info_get_custom_string(tizen/feature/mdm.version)", "ret : -5",
-     "security/Tessid Tizen Wearable SDK=Unknown"},
-    {"system_info_get_custom_string(tizen/feature/tessid.pelortizen.version)", "ret : -5",
-     "security/Pelor for Tizen=Unknown"},
-    {"system_info_get_custom_string(tizen/feature/tessid.vimo.version)", "ret : -5",
-     "security/VIMO=Unknown"},
+    {"system_info_get_custom_string(tizen/feature/tessid.version)", "ret : -5", "security/Tessid version#2=Unknown"},
+    {"system_info_get_custom_string(tizen/feature/mdm.version)", "ret : -5", "security/Tessid Tizen Wearable SDK=Unknown"},
+    {"system_info_get_custom_string(tizen/feature/tessid.pelortizen.version)", "ret : -5", "security/Pelor for Tizen=Unknown"},
+    {"system_info_get_custom_string(tizen/feature/tessid.vimo.version)", "ret : -5", "security/VIMO=Unknown"},
     // The battery page logs nothing: a missing key is a watch without that information.
     {"system_info_get_custom_string(tizen/system/rated_voltage)", "", "battery/Rated=Unknown"},
     {"system_info_get_custom_string(tizen/system/rated_current)", "", "battery/Rated=Unknown"},
-    {"system_info_get_custom_string(tizen/system/battery_capacity)", "",
-     "battery/Battery capacity=Unknown"},
+    {"system_info_get_custom_string(tizen/system/battery_capacity)", "", "battery/Battery capacity=Unknown"},
 };
 
-// The screens a person opens, in order: a name when the step dumps one (main2 is the main list
-// again after the popups were confirmed; launch ends the first of two launches; lang changes
-// the watch's language), and whether it is a screen of its own.
-const struct Step {
-    const char *screen;
-    const char *script;
-    bool counted;
-} kSteps[] = {
-    {"main", "dump\n", true},
-    {"debug", "tap WDS_ST_MBODY_DEBUGGING_ABB\ndump\npress WDS_ST_BUTTON_OK_ABB\n", true},
-    {"consent",
-     "tap WDS_ST_MBODY_REPORT_DIAGNOSTIC_AND_USAGE_INFO_ABB\ndump\npress WDS_ST_BUTTON_OK_ABB\n",
-     true},
-    {"main2", "wait 250\ndump\n", false},
-    {"status", "tap WDS_ST_TMBODY_DEVICE_INFORMATION\nwait 300\ndump\nback\n", true},
-    {"software", "tap WDS_ST_TMBODY_SOFTWARE_INFORMATION\ndump\n", true},
-    {"security", "tap IDS_ST_MBODY_TESSID_VERSION\ndump\nback\nback\n", true},
-    {"battery", "tap WDS_ST_TMBODY_BATTERY_INFORMATION\ndump\nback\n", true},
-    {"licences", "tap WDS_ST_HEADER_OPEN_SOURCE_LICENCES_ABB\ndump\nback\n", true},
-    {"regulatory", "tap WDS_ST_HEADER_REGULATORY_INFO_ABB\ndump\nback\n", true},
-    {"",
-     "tap LDS_TESSID_POP_NEROVA_TESSID_PRIVACY_NOTICE_LEGALPHRASE\nwait 1100\ntap "
-     "LDS_TESSID_POP_NEROVA_TESSID_PRIVACY_NOTICE_LEGALPHRASE\nwait 1100\n",
-     false},
-    {"lang", "sim event language de\nwait 300\ndump\n", false},
+// The screens a person opens, in order, named when the step dumps one: main2 is the main list
+// again after the popups were confirmed, the unnamed step's second launch ends the first, and
+// lang is the watch in another language (neither a screen of its own).
+const struct Step { const char *screen; const char *script; } kSteps[] = {
+    {"main", "dump\n"},
+    {"debug", "tap WDS_ST_MBODY_DEBUGGING_ABB\ndump\npress WDS_ST_BUTTON_OK_ABB\n"},
+    {"consent", "tap WDS_ST_MBODY_REPORT_DIAGNOSTIC_AND_USAGE_INFO_ABB\ndump\npress WDS_ST_BUTTON_OK_ABB\n"},
+    {"main2", "wait 250\ndump\n"},
+    {"status", "tap WDS_ST_TMBODY_DEVICE_INFORMATION\nwait 300\ndump\nback\n"},
+    {"software", "tap WDS_ST_TMBODY_SOFTWARE_INFORMATION\ndump\n"},
+    {"security", "tap IDS_ST_MBODY_TESSID_VERSION\ndump\nback\nback\n"},
+    {"battery", "tap WDS_ST_TMBODY_BATTERY_INFORMATION\ndump\nback\n"},
+    {"licences", "tap WDS_ST_HEADER_OPEN_SOURCE_LICENCES_ABB\ndump\nback\n"},
+    {"regulatory", "tap WDS_ST_HEADER_REGULATORY_INFO_ABB\ndump\nback\n"},
+    {"", "tap LDS_TESSID_POP_NEROVA_TESSID_PRIVACY_NOTICE_LEGALPHRASE\nwait 1100\ntap LDS_TESSID_POP_NEROVA_TESSID_PRIVACY_NOTICE_LEGALPHRASE\nwait 1100\n"},
+    {"lang", "sim event language de\nwait 300\ndump\n"},
 };
+// clang-format on
 
 std::vector<std::string> split(const std::string &text, char separator) {
     std::vector<std::string> parts;
@@ -223,40 +158,38 @@ std::vector<std::string> split(const std::string &text, char separator) {
     return parts;
 }
 
-// Its effects as cell -> shows, "main+/" spread over the main list's four looks.
-std::map<std::string, std::string> effectsOf(const Point &point) {
-    std::map<std::string, std::string> effects;
-    for (const std::string &effect : split(point.effects, ';')) {
-        size_t eq = effect.find('=');
-        std::string cell = effect.substr(0, eq), shows = effect.substr(eq + 1);
-        if (cell.rfind("main+/", 0) != 0)
-            effects[cell] = shows;
-        else
+// What a point touches as cell -> shows ("" when it only relies on it).
+std::map<std::string, std::string> touched(const Point &point) {
+    std::map<std::string, std::string> cells;
+    for (const std::string &touch : split(point.touches, ';')) {
+        size_t eq = std::min(touch.find('='), touch.size());
+        std::string cell = touch.substr(0, eq),
+                    shows = touch.substr(std::min(eq + 1, touch.size()));
+        if (cell.rfind("main+/", 0) == 0)
             for (const char *screen : {"main/", "debug/", "consent/", "main2/"})
-                effects[screen + cell.substr(6)] = shows;
+                cells[screen + cell.substr(6)] = shows;
+        else
+            cells[cell] = shows;
     }
-    return effects;
+    return cells;
 }
 
-bool shares(const std::set<std::string> &a, const std::set<std::string> &b) {
-    for (const std::string &cell : a)
-        if (b.count(cell))
-            return true;
-    return false;
-}
-
-// Failure points that touch nothing in common run together (a row and its switch are one).
+// Failure points that touch nothing in common run together (a row and its switch are one
+// place; "*", every cell, touches everything).
 std::vector<std::vector<const Point *>> batches() {
     std::vector<std::vector<const Point *>> packed;
     std::vector<std::set<std::string>> used;
     for (const Point &point : kPoints) {
         std::set<std::string> cells;
-        for (const std::string &cell : split(point.involves, ';'))
-            cells.insert(cell);
-        for (const auto &effect : effectsOf(point))
-            cells.insert(effect.first.substr(0, effect.first.rfind("/check")));
+        for (const auto &cell : touched(point))
+            cells.insert(cell.first.substr(0, cell.first.rfind("/check")));
+        auto clash = [&cells](const std::set<std::string> &other) {
+            return other.count("*") || std::any_of(cells.begin(), cells.end(), [&](auto &cell) {
+                       return cell == "*" || other.count(cell);
+                   });
+        };
         size_t b = 0;
-        while (b < packed.size() && (point.alone || packed[b][0]->alone || shares(cells, used[b])))
+        while (b < packed.size() && clash(used[b]))
             ++b;
         if (b == packed.size()) {
             packed.emplace_back();
@@ -280,41 +213,35 @@ json baseProfile() {
 }
 
 // A screen as cells: "<screen>/<label>" the row's value, ".../check" its switch, ".../disabled"
-// whether it is greyed, "<screen>/rows" the labels in order; a label that repeats gets "#2"...
-// After the language change only the title matters: it tells which language shows.
+// whether it is greyed, "<screen>/rows" the labels in order (a label that repeats gets "#2"),
+// its page, layout parts, popup and toast. After the language change only the title matters.
 void flatten(const std::string &screen, const json &dump,
              std::map<std::string, std::string> &cells) {
-    if (screen == "lang") {
-        if (!dump["items"].empty())
-            cells["lang/title"] = dump["items"][0]["texts"].value("elm.text", "");
-        return;
-    }
     std::map<std::string, int> seen;
     for (const auto &item : dump["items"]) {
         std::string label = item["texts"].value("elm.text", "");
+        if (screen == "lang") {
+            cells["lang/title"] = label;
+            return;
+        }
         if (int n = ++seen[label]; n > 1)
             label += "#" + std::to_string(n);
         std::string cell = screen + "/" + label;
         cells[screen + "/rows"] += label + "|";
         cells[cell] = item["texts"].value("elm.text.1", "");
         if (!item["check"].is_null())
-            cells[cell + "/check"] = item["check"].get<bool>() ? "true" : "false";
+            cells[cell + "/check"] = item["check"].dump();
         if (item.value("disabled", false))
             cells[cell + "/disabled"] = "true";
     }
-    cells[screen + "/page"] = dump["page"].is_string() ? dump["page"].get<std::string>() : "";
-    if (dump["layout"].is_object())
-        for (auto &part : dump["layout"].items())
-            cells[screen + "/layout/" + part.key()] = part.value().get<std::string>();
-    if (dump["popup"].is_object()) {
-        for (const char *field : {"title", "text"})
-            if (dump["popup"][field].is_string())
-                cells[screen + "/popup/" + field] = dump["popup"][field].get<std::string>();
-        for (const auto &button : dump["popup"]["buttons"])
-            cells[screen + "/popup/buttons"] += button.get<std::string>() + "|";
-    }
-    if (dump["toast"].is_string())
-        cells[screen + "/toast"] = dump["toast"].get<std::string>();
+    cells[screen + "/page"] = dump["page"].dump();
+    for (const char *part : {"layout", "popup"})
+        if (dump[part].is_object())
+            for (auto &field : dump[part].items())
+                if (!field.value().is_null())
+                    cells[screen + "/" + part + "/" + field.key()] = field.value().dump();
+    if (!dump["toast"].is_null())
+        cells[screen + "/toast"] = dump["toast"].dump();
 }
 
 struct WatchRun {
@@ -328,11 +255,11 @@ WatchRun runOnWatch(const json &profile, bool withRegulatory) {
     std::string script;
     std::vector<std::string> screens;
     for (const Step &step : kSteps) {
-        if (!withRegulatory && std::string(step.screen) == "regulatory")
-            continue;
-        script += step.script;
-        if (*step.screen)
-            screens.push_back(step.screen);
+        if (withRegulatory || std::string(step.screen) != "regulatory") {
+            script += step.script;
+            if (*step.screen)
+                screens.push_back(step.screen);
+        }
     }
     SimulatedWatch watch(profile.dump(2));
     SimulatedWatch::Result result = watch.drive(script);
@@ -376,31 +303,25 @@ const WatchRun &baseline() {
     return run;
 }
 
-// A platform log: the application's lines (W-SETTING, whose colour must fit the priority, and
-// the framework's WAPP) as "P message"; all lines also as "P function > message" (the
-// application's) or "P TAG: message" (the platform's).
-struct Log {
-    std::set<std::string> application;
-    std::multiset<std::string> all;
-};
-
-Log parseLog(const std::string &text) {
+// A platform log's lines: the application's (W-SETTING, in the colour of their priority, and
+// the framework's WAPP) as "P message" and "P function > message", the platform's as
+// "P/TAG: message".
+std::multiset<std::string> logLines(const std::string &text) {
     const std::map<char, std::string> colours = {
         {'E', "\033[0;31m* Critical * "}, {'W', "\033[0;35m"}, {'I', "\033[0;32m"}};
     const std::string reset = "\033[0;m";
-    Log log;
+    std::multiset<std::string> lines;
     for (const std::string &line : split(text, '\n')) {
         size_t slash = line.find('/'), open = line.find('(', slash), body = line.find("): ", open);
         if (slash == std::string::npos || slash < 1 || body == std::string::npos)
             continue;
         std::string priority(1, line[slash - 1]), tag = line.substr(slash + 1, open - slash - 1);
         std::string message = line.substr(body + 3);
-        size_t arrow = message.find(") > ");
+        size_t arrow = message.find(") > "), name = message.find(": ") + 2;
         if ((tag != "W-SETTING" && tag != "WAPP") || arrow == std::string::npos) {
-            log.all.insert(priority + " " + tag + ": " + message);
+            lines.insert(priority + "/" + tag + ": " + message);
             continue;
         }
-        size_t name = message.find(": ") + 2;
         std::string function = message.substr(name, message.rfind('(', arrow) - name);
         message.erase(0, arrow + 4);
         auto colour = colours.find(priority[0]);
@@ -408,11 +329,10 @@ Log parseLog(const std::string &text) {
         if (tag == "W-SETTING" && colour != colours.end() &&
             message.rfind(colour->second, 0) == 0 && message.compare(end, reset.size(), reset) == 0)
             message = message.substr(colour->second.size(), end - colour->second.size());
-        log.application.insert(priority + " " + message);
-        log.all.insert(priority + " " + message);
-        log.all.insert(priority + " " + function + " > " + message);
+        lines.insert(priority + " " + message);
+        lines.insert(priority + " " + function + " > " + message);
     }
-    return log;
+    return lines;
 }
 
 class FaultMatrix : public ::testing::TestWithParam<size_t> {};
@@ -430,9 +350,9 @@ TEST(FaultMatrixBaseline, TheWatchWithoutFaultsShowsEveryScreen) {
              {"status/Barcode number", "3546201"},
              {"security/VIMO", "1.4.2"},
              {"battery/Rated", "3.85V; 300mA"}})
-        EXPECT_EQ(run.cells.at(cell), shows);
-    EXPECT_NE(run.cells.at("lang/title"), "About Kesta") << "the language event changes nothing";
+        EXPECT_EQ(run.cells.at(cell), shows) << cell;
     EXPECT_TRUE(run.cells.count("regulatory/layout/text.title"));
+    EXPECT_NE(run.cells.at("lang/title"), "About Kesta") << "the language event changes nothing";
 }
 
 TEST_P(FaultMatrix, EachFailureIsLoggedShowsItsSafeValueAndLeavesTheRestAlone) {
@@ -440,8 +360,8 @@ TEST_P(FaultMatrix, EachFailureIsLoggedShowsItsSafeValueAndLeavesTheRestAlone) {
     ASSERT_EQ(base.status, 0) << base.errors;
     json profile = baseProfile();
     std::map<std::string, std::string> expected;
-    std::map<std::string, int> logged;  // "P message" -> how many failures leave it at least
-    std::set<std::string> allowed;      // the application's lines among them
+    std::multiset<std::string> logged;  // "P line", once for each failure that leaves it
+    std::set<std::string> allowed;      // the application's lines among them, as "P message"
     const auto batch = batches().at(GetParam());
     for (const Point *point : batch) {
         std::string call = point->call;
@@ -451,27 +371,29 @@ TEST_P(FaultMatrix, EachFailureIsLoggedShowsItsSafeValueAndLeavesTheRestAlone) {
             fault["key"] = call.substr(key + 1, call.size() - key - 2);
         profile["faults"].push_back(fault);
         printf("failing: %s\n", point->call);
-        for (const auto &effect : effectsOf(*point))
-            expected[effect.first] = effect.second;
+        for (const auto &[cell, shows] : touched(*point))
+            if (!shows.empty())
+                expected[cell] = shows;
         for (const std::string &line : split(point->log, '\n')) {
-            ++logged[std::string(1, point->priority) + " " + line];
-            allowed.insert(
-                std::string(1, point->priority) + " " +
-                line.substr(line.find(" > ") == std::string::npos ? 0 : line.find(" > ") + 3));
+            std::string priority(1, point->priority);
+            logged.insert(priority + (line[0] == '/' ? "" : " ") + line);
+            size_t arrow = line.find(" > ");
+            allowed.insert(priority + " " +
+                           (arrow == std::string::npos ? line : line.substr(arrow + 3)));
         }
-        for (const std::string &line : split(point->platform, '\n'))
-            ++logged[std::string(1, point->priority) + " " + line];
     }
-    bool withRegulatory = expected.count("main/Regulatory information") == 0;  // else gone
+    auto gone = expected.find("main/Regulatory information");
+    bool withRegulatory = gone == expected.end() || gone->second != "-";
     WatchRun run = runOnWatch(profile, withRegulatory);
     ASSERT_EQ(run.status, 0) << "the application did not carry on through every screen:\n"
                              << run.errors;
 
-    // Every cell of the watch without faults, as the failures change it; rows that a failure
-    // takes away leave the others in their order.
+    // Every cell as on the watch without faults, unless a failure changes it; rows that a
+    // failure takes away leave the others in their order.
     auto expectation = [&expected](const std::string &cell) -> std::string {
-        if (expected.count(cell))
-            return expected.at(cell);
+        for (const auto &[pattern, shows] : expected)
+            if (pattern == cell)
+                return shows;
         for (const auto &[pattern, shows] : expected)
             if (pattern.back() == '*' && cell.rfind(pattern.substr(0, pattern.size() - 1), 0) == 0)
                 return shows;
@@ -479,41 +401,34 @@ TEST_P(FaultMatrix, EachFailureIsLoggedShowsItsSafeValueAndLeavesTheRestAlone) {
     };
     std::map<std::string, std::string> wanted;
     for (const auto &[cell, shows] : base.cells) {
-        std::string screen = cell.substr(0, cell.find('/'));
+        std::string screen = cell.substr(0, cell.find('/')), want = expectation(cell);
         if (screen == "regulatory" && !withRegulatory)
             continue;
-        wanted[cell] = shows;
-        if (cell == screen + "/rows") {
+        wanted[cell] = want.empty() ? shows : want;
+        if (cell == screen + "/rows" && want.empty()) {
             wanted[cell].clear();
             for (const std::string &label : split(shows, '|'))
                 if (expectation(screen + "/" + label) != "-")
                     wanted[cell] += label + "|";
         }
     }
-    for (const auto &[cell, shows] : wanted) {
-        std::string want = expectation(cell);
+    for (auto &[cell, shows] : run.cells)
+        wanted.emplace(cell, expectation(cell) == "*" ? "*" : "-");  // where nothing was
+    for (const auto &[cell, want] : wanted) {
         auto got = run.cells.find(cell);
-        if (want == "-") {
-            EXPECT_EQ(got, run.cells.end()) << cell << " should be gone";
-        } else if (want != "*" && got == run.cells.end()) {
-            ADD_FAILURE() << cell << " is missing; it shows \"" << shows << "\" without faults";
-        } else if (want != "*") {
-            EXPECT_EQ(got->second, want.empty() ? shows : want) << cell;
+        if (want != "*") {
+            EXPECT_EQ(got == run.cells.end() ? "-" : got->second, want) << cell;
         }
     }
-    for (const auto &[cell, shows] : run.cells)
-        if (!wanted.count(cell) && expectation(cell) != "*")
-            ADD_FAILURE() << cell << " appeared with \"" << shows << "\"";
 
     // Each failure's lines, as many times at least as failures share them, and no line of the
     // application's that neither a failure nor the watch without faults gives.
-    Log log = parseLog(run.log), baseLog = parseLog(base.log);
-    for (const auto &[line, count] : logged)
-        EXPECT_GE(log.all.count(line), static_cast<size_t>(count))
-            << "\"" << line << "\" not logged:\n"
-            << run.log;
-    for (const std::string &line : log.application)
-        if (!baseLog.application.count(line) && !allowed.count(line))
+    std::multiset<std::string> lines = logLines(run.log), baseLines = logLines(base.log);
+    for (const std::string &line : std::set<std::string>(logged.begin(), logged.end()))
+        EXPECT_GE(lines.count(line), logged.count(line)) << line << " not logged:\n" << run.log;
+    for (const std::string &line : std::set<std::string>(lines.begin(), lines.end()))
+        if (line[1] == ' ' && line.find(" > ") == std::string::npos && !baseLines.count(line) &&
+            !allowed.count(line))
             ADD_FAILURE() << "unexpected log line: " << line;
 }
 
@@ -525,7 +440,7 @@ TEST(FaultMatrixSize, EveryFailurePointMeetsEveryScreen) {
     for (const auto &batch : batches())
         covered += batch.size();
     for (const Step &step : kSteps)
-        screens += step.counted;
+        screens += *step.screen && std::string("main2 lang").find(step.screen) == std::string::npos;
     EXPECT_EQ(covered, kPoints.size());
     printf("fault matrix: %zu failure points x %zu screens = %zu (%zu runs of the application)\n",
            kPoints.size(), screens, kPoints.size() * screens, batches().size());

@@ -132,7 +132,7 @@ TEST_F(StInfoStatusMenuItemTest, AsynchronousRowsChangeInPlaceAndEscapeMarkup) {
 }
 
 TEST_F(StInfoStatusMenuItemTest, LabelsFollowTheCountryAndEmptyValuesShowUnknown) {
-    writeProfile(R"({"telephony": {"modem": true}, "sim": {"iccid": "123456"},
+    writeProfile(R"({"telephony": {"modem": true, "volte_enable": 0}, "sim": {"iccid": "123456"},
                      "bluetooth": {"address": ""}, "wifi": {}})");
     vconf_set_str("db/csc/text_string_country", "CN");
     vconf_set_str("db/csc/text_string_customer", "KTO");
@@ -151,4 +151,6 @@ TEST_F(StInfoStatusMenuItemTest, LabelsFollowTheCountryAndEmptyValuesShowUnknown
 
     vconf_set_str("db/csc/text_string_country", "GB");
     EXPECT_EQ(text(wifi, "elm.text"), "Wi-Fi MAC address");
+    writeProfile(R"({"telephony": {"modem": true, "volte_enable": 1}})");
+    EXPECT_EQ(text(ims, "elm.text.1"), "On");
 }

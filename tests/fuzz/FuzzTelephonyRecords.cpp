@@ -1,6 +1,6 @@
 // The modem's records as the telephony service fills them: the misc version record, the
 // serial-number record and the ICCID record, each made of the input's bytes. The first byte
-// also picks the carrier whose ICCID layout applies.
+// also picks the sales code the ICCID is shown for.
 
 #include <ITapiModem.h>
 #include <ITapiSim.h>
@@ -33,17 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FUZZ_CHECK(StInfoStatusRecordReader::imeiSv(*serial).size() <= sizeof(serial->szImeiSv));
 
     auto iccid = recordFrom<TelSimIccIdRecord_t>(data, size);
-    std::string salesCode =
+    const char *salesCode =
         kSalesCodes[size ? data[0] % (sizeof(kSalesCodes) / sizeof(kSalesCodes[0])) : 0];
-    std::string shown = StInfoStatusRecordReader::iccid(*iccid, salesCode);
-    if (salesCode.size() == 3 && salesCode[0] != 'V' && salesCode != "kto") {
-        // Split after the sixth digit and closed with an F (unless cut at 255 characters), or
-        // nothing at all.
-        FUZZ_CHECK(shown.size() < 256);
-        FUZZ_CHECK(shown.empty() || (shown.size() >= 9 && shown[6] == ' ' &&
-                                     (shown.back() == 'F' || shown.size() == 255)));
-    } else {
-        FUZZ_CHECK(shown.size() <= sizeof(iccid->icc_num));
-    }
+    StInfoStatusRecordReader::iccid(*iccid, salesCode);
     return 0;
 }
