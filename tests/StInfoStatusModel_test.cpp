@@ -51,79 +51,83 @@ protected:
 
 }  // namespace
 
-// The model starts afresh for each watch. Without a modem, or with its records failing, the
-// CDMA identifiers are unknown as well (the fault matrix's watch shows the others).
+// The model starts afresh for each watch, and says so when the old one's modem will not close.
+// Without a modem, or with its records failing, the CDMA identifiers are unknown as well (the
+// fault matrix's watch shows the others).
 TEST_F(StInfoStatusModelTest, ModemRecordsGiveIdentifiersAndEmptyFieldsGiveUnknown) {
-    const std::string csc = R"(, "csc": {"features": {"39": true, "93": true}})";
+    const std::string radios = R"(, "bluetooth": {"address": "A0:B1:C2:D3:E4:F5"},
+        "wifi": {"mac_address": "a0:b1:c2:d3:e4:f6"})";
     const std::string faults = R"(, "faults": [{"call": "tel_get_misc_me_sn_sync", "code": -5},
-        {"call": "tel_get_misc_me_version_sync", "code": -5}])";
+        {"call": "tel_get_misc_me_version_sync", "code": -5}, {"call": "tel_deinit", "code": -1}])";
     const struct {
         std::string profile;
-        std::vector<std::string> shown;  // hardware, IMEI, IMEI SV, MEID, PRL, ERI, flags
-        const char *logged;
+        const char *shown, *logged;  // hardware, IMEI, IMEI SV, MEID, PRL, ERI, IMS, features
     } cases[] = {
-        {kModem + csc,
-         {"REV1.0", "004801001234563", "01", kUnknown, "58023", kUnknown, "ims 39 93 "},
+        {kModem + radios + R"(, "csc": {"features": {"39": true, "93": true}})",
+         "REV1.0|004801001234563|01|U|58023|U|A0:B1:C2:D3:E4:F5|a0:b1:c2:d3:e4:f6|ims|39 93 ",
          "HwVersion='REV1.0'"},
-        {kModem + faults,
-         {"", kUnknown, kUnknown, kUnknown, kUnknown, kUnknown, "ims "},
+        {kModem + radios + faults, "|U|U|U|U|U|A0:B1:C2:D3:E4:F5|a0:b1:c2:d3:e4:f6|ims|",
          "getMeIdInfo("},
-        {R"("telephony": {"modem": false})",
-         {"", kUnknown, kUnknown, kUnknown, kUnknown, kUnknown, ""},
+        {R"("telephony": {"modem": false}, "bluetooth": {}, "wifi": {})", "|U|U|U|U|U|U|U||",
          "tel init error!!"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.profile);
         writeProfile(c.profile);
-        StInfoStatusModel *model = StInfoStatusModel::getInstance();
-        std::string flags = std::string(model->getImsRegistrationInfo() ? "ims " : "") +
-                            (model->isHwVersionMenuEnabled() ? "39 " : "") +
-                            (model->isImsMenuEnabled() ? "93 " : "") +
-                            (model->isBarcodeMenuEnabled() ? "30 " : "");
-        std::vector<std::string> shown = {model->getHwVersionInfo(),
-                                          model->getImeiInfo(),
-                                          model->getImeiSvInfo(),
-                                          model->getMeIdInfo(),
-                                          model->getPrlInfo(),
-                                          model->getEriInfo(),
-                                          flags};
+        StInfoStatusModel *m = StInfoStatusModel::getInstance();
+        std::string shown;
+        for (const std::string &value :
+             {m->getHwVersionInfo(), m->getImeiInfo(), m->getImeiSvInfo(), m->getMeIdInfo(),
+              m->getPrlInfo(), m->getEriInfo(), m->getBluetoothAddress(), m->getWifiMacAddress()})
+            shown += (value == kUnknown ? "U" : value) + "|";
+        shown += std::string(m->getImsRegistrationInfo() ? "ims|" : "|") +
+                 (m->isHwVersionMenuEnabled() ? "39 " : "") + (m->isImsMenuEnabled() ? "93 " : "") +
+                 (m->isBarcodeMenuEnabled() ? "30 " : "");
         EXPECT_EQ(shown, c.shown);
         EXPECT_TRUE(logHas(c.logged)) << c.logged;
+        delete m;
+        EXPECT_EQ(logHas("tel deinit error!!"), &c != &cases[0]);
+    }
+}
+
+// Each reply rewrites the cached number; one with data announces it, even when the SIM has no
+// number.
+TEST_F(StInfoStatusModelTest, PhoneNumberRepliesAreCachedAndAnnounced) {
+    const struct {
+        const char *msisdn, *cached;
+        int signals;
+        std::string shown;
+    } cases[] = {
+        {R"("+447700900123")", "+447700900123", 1, "+44 7700 900123"},
+        {R"("")", "", 1, kUnknown},
+        {"null", "", 0, kUnknown},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.msisdn);
+        writeProfile(kModem + R"(, "sim": {"msisdn": )" + c.msisdn + "}");
+        vconf_set_str("db/setting/selected_num", "+449999");
+        StInfoStatusModel *model = StInfoStatusModel::getInstance();
+        int emitted = 0;
+        model->_msisdnSignal.addListener([&emitted]() { ++emitted; });
+        auto cached = []() {
+            char *text = vconf_get_str("db/setting/selected_num");
+            std::string out = text ? text : "(unset)";
+            free(text);
+            return out;
+        };
+        ASSERT_TRUE(runUntil([&]() { return cached() != "+449999"; }));
+        settle();
+        EXPECT_EQ(cached(), c.cached);
+        EXPECT_EQ(emitted, c.signals);
+        EXPECT_EQ(model->getPhoneNumberInfo(), c.shown);
         delete model;
     }
 }
 
-TEST_F(StInfoStatusModelTest, PhoneNumberArrivesAfterTheModemsLatencyAndIsCached) {
-    writeProfile(kModem + R"(, "sim": {"msisdn": "+447700900123"}, "latency": {"msisdn_ms": 300})");
-    vconf_set_str("db/setting/selected_num", "");
-    StInfoStatusModel *model = StInfoStatusModel::getInstance();
-    int emitted = 0;
-    model->_msisdnSignal.addListener([&emitted]() { ++emitted; });
-    settle(0.1);
-    EXPECT_EQ(model->getPhoneNumberInfo(), kUnknown);
-    ASSERT_TRUE(runUntil([&emitted]() { return emitted > 0; }, 3.0));
-    EXPECT_EQ(emitted, 1);
-    char *cached = vconf_get_str("db/setting/selected_num");
-    EXPECT_STREQ(cached, "+447700900123");
-    free(cached);
-    EXPECT_EQ(model->getPhoneNumberInfo(), "+44 7700 900123");
-}
-
 TEST_F(StInfoStatusModelTest, PhoneNumberFollowsTheCarrierFeatures) {
-    writeProfile(kModem + R"(, "sim": {"msisdn": ""})");
     StInfoStatusModel *model = StInfoStatusModel::getInstance();
-    int emitted = 0;
-    model->_msisdnSignal.addListener([&emitted]() { ++emitted; });
-    // A SIM without a number: the key is emptied, the signal fires, the row shows unknown.
-    vconf_set_str("db/setting/selected_num", "+449999");
-    ASSERT_TRUE(runUntil([&emitted]() { return emitted > 0; }));
-    EXPECT_EQ(model->getPhoneNumberInfo(), kUnknown);
-
     const struct {
-        const char *profile;
-        const char *region;
-        const char *number;
-        const char *shown;
+        const char *profile, *region, *number, *shown;
     } cases[] = {
         // The formatter is a library found beside the resources: without them, the number as
         // it is; once the platform answers again, formatted.
@@ -149,17 +153,6 @@ TEST_F(StInfoStatusModelTest, PhoneNumberFollowsTheCarrierFeatures) {
     }
 }
 
-TEST_F(StInfoStatusModelTest, ReplyWithoutDataEmptiesTheNumberWithoutSignal) {
-    writeProfile(kModem + R"(, "sim": {"msisdn": null})");
-    vconf_set_str("db/setting/selected_num", "+447700900123");
-    StInfoStatusModel *model = StInfoStatusModel::getInstance();
-    int emitted = 0;
-    model->_msisdnSignal.addListener([&emitted]() { ++emitted; });
-    ASSERT_TRUE(runUntil([this]() { return logHas("no sim card info is returned"); }));
-    EXPECT_EQ(emitted, 0);
-    EXPECT_EQ(model->getPhoneNumberInfo(), kUnknown);
-}
-
 TEST_F(StInfoStatusModelTest, EsimProfilesAndEidArriveAndTheIccidWaitsForAnEnabledProfile) {
     writeProfile(kEsim + R"(, "sim": {"msisdn": "", "iccid": "8944110012345678901"},
         "esim": {"eid": "89000480000001000000012345678901", "profiles": [
@@ -169,13 +162,13 @@ TEST_F(StInfoStatusModelTest, EsimProfilesAndEidArriveAndTheIccidWaitsForAnEnabl
         "latency": {"esim_profile_list_ms": 200, "esim_eid_ms": 300})");
     StInfoStatusModel *model = StInfoStatusModel::getInstance();
     EXPECT_TRUE(model->isEsimMenuEnabled());
-    int profiles = 0, eids = 0;
-    model->_esimProfileSignal.addListener([&profiles]() { ++profiles; });
-    model->_eidSignal.addListener([&eids]() { ++eids; });
+    int emitted = 0;
+    for (auto *signal : {&model->_eidSignal, &model->_esimProfileSignal})
+        signal->addListener([&emitted]() { ++emitted; });
     EXPECT_EQ(model->getEnabledEsimName(), "");
     EXPECT_EQ(model->getEid(), "");
     EXPECT_EQ(model->getIccidInfo(), kUnknown);
-    ASSERT_TRUE(runUntil([&]() { return profiles > 0 && eids > 0; }, 3.0));
+    ASSERT_TRUE(runUntil([&]() { return emitted == 2; }, 3.0));
     EXPECT_EQ(model->getEnabledEsimName(), "Kite & Co <Travel>");
     EXPECT_EQ(model->getEid(), "89000480000001000000012345678901");
     EXPECT_EQ(model->getIccidInfo(), "8944110012345678901");
@@ -186,7 +179,7 @@ TEST_F(StInfoStatusModelTest, FailedRepliesKeepTheProfileListAndLeaveNoEid) {
     struct Daemon {
         int pid = 0;
         ~Daemon() { kill(pid, SIGTERM); }
-    } daemon;
+    } daemon;  // ended with the test, whatever happens
     FILE *out = popen("dbus-daemon --session --fork --print-address=1 --print-pid=1", "r");
     char address[512] = "", pid[32] = "";
     bool started = fgets(address, sizeof address, out) && fgets(pid, sizeof pid, out);
@@ -197,11 +190,12 @@ TEST_F(StInfoStatusModelTest, FailedRepliesKeepTheProfileListAndLeaveNoEid) {
     writeProfile(kEsim + R"(, "esim": {"eid": "8904", "eid_result": -3,
                                        "profiles": [{"name": "A", "kind": 2, "state": 1}]})");
     StInfoStatusModel *model = StInfoStatusModel::getInstance();
-    int eids = 0;
-    model->_eidSignal.addListener([&eids]() { ++eids; });
+    int emitted = 0;
+    for (auto *signal : {&model->_eidSignal, &model->_esimProfileSignal})
+        signal->addListener([&emitted]() { ++emitted; });
     ASSERT_TRUE(runUntil([&]() { return model->getEnabledEsimName() == "A"; }));
     ASSERT_TRUE(runUntil([this]() { return logHas("[ESIM] _esimGetEIDCb result (-3)"); }));
-    EXPECT_EQ(eids, 0);
+    EXPECT_EQ(emitted, 1);
     EXPECT_EQ(model->getEid(), "");
 
     writeProfile(kEsim + R"(, "esim": {"profiles": [], "profile_list_result": -5})");
@@ -221,6 +215,7 @@ TEST_F(StInfoStatusModelTest, FailedRepliesKeepTheProfileListAndLeaveNoEid) {
     eldbus_shutdown();
     ASSERT_TRUE(replied);
     EXPECT_EQ(model->getEnabledEsimName(), "A");
+    EXPECT_EQ(emitted, 1);
 }
 
 TEST_F(StInfoStatusModelTest, WithoutEsimPhaseOneTheIccidComesFromTheSim) {
@@ -233,9 +228,7 @@ TEST_F(StInfoStatusModelTest, WithoutEsimPhaseOneTheIccidComesFromTheSim) {
     // Korean carriers show it split after six digits and closed with F. The sales code is not
     // asked for a SIM without ICCID.
     const struct {
-        const char *salesCode;
-        const char *iccid;
-        const char *shown;
+        const char *salesCode, *iccid, *shown;
     } cases[] = {
         {"", "8982050123456789012", "8982050123456789012"},
         {"KTO", "8982050123456789012", "898205 0123456789012F"},
@@ -254,32 +247,4 @@ TEST_F(StInfoStatusModelTest, WithoutEsimPhaseOneTheIccidComesFromTheSim) {
         EXPECT_EQ(model->getIccidInfo(), c.shown);
     }
     EXPECT_FALSE(logHas("Customer Code is empty!"));
-}
-
-TEST_F(StInfoStatusModelTest, RadioAddressesOrUnknownWithoutOne) {
-    writeProfile(R"("bluetooth": {"address": "A0:B1:C2:D3:E4:F5"},
-                    "wifi": {"mac_address": "a0:b1:c2:d3:e4:f6"})");
-    StInfoStatusModel *model = StInfoStatusModel::getInstance();
-    EXPECT_EQ(model->getBluetoothAddress(), "A0:B1:C2:D3:E4:F5");
-    EXPECT_EQ(model->getWifiMacAddress(), "a0:b1:c2:d3:e4:f6");
-    writeProfile(R"("bluetooth": {}, "wifi": {})");
-    EXPECT_EQ(model->getBluetoothAddress(), kUnknown);
-    EXPECT_EQ(model->getWifiMacAddress(), kUnknown);
-}
-
-TEST_F(StInfoStatusModelTest, TeardownClosesTheModemAndLogsWhenItWillNotClose) {
-    writeProfile(kEsim + R"(, "esim": {"eid": "8904", "profiles": [
-        {"name": "A", "kind": 2, "state": 1}]})");
-    StInfoStatusModel *model = StInfoStatusModel::getInstance();
-    ASSERT_TRUE(runUntil([model]() { return model->getEnabledEsimName() == "A"; }));
-    delete model;
-    EXPECT_FALSE(logHas("tel deinit error!!"));
-
-    // The next model starts afresh; this one's modem refuses to close.
-    writeProfile(kModem + R"(, "faults": [{"call": "tel_deinit", "code": -1}])");
-    model = StInfoStatusModel::getInstance();
-    EXPECT_EQ(model->getImeiInfo(), "004801001234563");
-    delete model;
-    EXPECT_TRUE(logHas("tel deinit error!!"));
-    EXPECT_NE(StInfoStatusModel::getInstance(), nullptr);
 }
