@@ -6,7 +6,6 @@
 #include <ITapiSim.h>
 
 #include <cstdint>
-#include <string>
 
 #include "FuzzCheck.h"
 #include "FuzzRecord.h"
