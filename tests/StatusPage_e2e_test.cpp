@@ -25,29 +25,21 @@ void inEnglish(json &profile) {
 }  // namespace
 
 TEST(StatusPageE2E, EachProfileListsTheRowsItsDeviceCallsForWithValues) {
+    const std::string gsm = "IMEI|IMEI SV|ICCID|", radios = "Bluetooth address|Serial number|";
     const struct {
         const char *profile;
-        std::vector<std::string> labels;  // title first
+        std::string labels;  // after the title
     } cases[] = {
         {"default",
-         {"Device information", "Kesta eSIM profile", "eID", "Kesta phone number", "IMEI",
-          "IMEI SV", "ICCID", "Wi-Fi MAC address", "Bluetooth address", "Serial number"}},
-        {"bt-only",
-         {"Device information", "Kesta phone number", "IMEI", "IMEI SV", "ICCID",
-          "Wi-Fi MAC address", "Bluetooth address", "Serial number"}},
-        {"cdma",
-         {"Device information", "Hardware version", "Kesta phone number", "PRL", "ERI", "MEID",
-          "Wi-Fi MAC address", "Bluetooth address", "Serial number"}},
-        {"kr-carrier",
-         {"Device information", "Hardware version", "Kesta phone number", "IMEI", "IMEI SV",
-          "ICCID", "IMS registration status", "Wi-Fi MAC address", "Bluetooth address",
-          "Serial number", "Barcode number"}},
-        {"esim-standalone",
-         {"Device information", "eID", "Kesta phone number", "IMEI", "IMEI SV", "ICCID",
-          "Wi-Fi MAC address", "Bluetooth address", "Serial number"}},
+         "Kesta eSIM profile|eID|Kesta phone number|" + gsm + "Wi-Fi MAC address|" + radios},
+        {"bt-only", "Kesta phone number|" + gsm + "Wi-Fi MAC address|" + radios},
+        {"cdma", "Hardware version|Kesta phone number|PRL|ERI|MEID|Wi-Fi MAC address|" + radios},
+        {"kr-carrier", "Hardware version|Kesta phone number|" + gsm +
+                           "IMS registration status|Wi-Fi MAC address|" + radios +
+                           "Barcode number|"},
+        {"esim-standalone", "eID|Kesta phone number|" + gsm + "Wi-Fi MAC address|" + radios},
         {"china",
-         {"Device information", "Kesta eSIM profile", "eID", "Kesta phone number", "IMEI",
-          "IMEI SV", "ICCID", "WLAN MAC address", "Bluetooth address", "Serial number"}},
+         "Kesta eSIM profile|eID|Kesta phone number|" + gsm + "WLAN MAC address|" + radios},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.profile);
@@ -55,7 +47,10 @@ TEST(StatusPageE2E, EachProfileListsTheRowsItsDeviceCallsForWithValues) {
         auto run = watch.drive(kOpen + "wait 1700\ndump\n");
         ASSERT_EQ(run.status, 0) << run.errors;
         const json &screen = run.dumps.at(0);
-        EXPECT_EQ(rowLabels(screen), c.labels);
+        std::string labels;
+        for (const std::string &label : rowLabels(screen))
+            labels += label + "|";
+        EXPECT_EQ(labels, "Device information|" + c.labels);
         EXPECT_FALSE(screen["items"][0]["selectable"].get<bool>());
         for (size_t k = 1; k < screen["items"].size(); ++k) {
             const json &row = screen["items"][k];
