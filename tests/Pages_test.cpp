@@ -22,10 +22,13 @@
 #include "PlatformState.h"
 #include "Profile.h"
 #include "StatePaths.h"
+#include "StAppControlLauncher.h"
 #include "StHomeKeyHandler.h"
 #include "StInfoBatteryMenuItem.h"
 #include "StInfoBatteryModel.h"
+#include "StInfoMainViewController.h"
 #include "StInfoOpenSrcLicenseViewController.h"
+#include "StInfoRegulatoryInfoViewController.h"
 #include "StInfoSwModel.h"
 #include "StInfoSwViewController.h"
 #include "support/EflTestEnvironment.h"
@@ -82,8 +85,8 @@ protected:
 
     // The list of the page on top, and its rows.
     std::vector<Elm_Object_Item *> pushAndList(app_assist::WViewController *page) {
-        WNaviframeController *naviframe = makeNaviframe();
-        EXPECT_TRUE(naviframe->push(page));
+        _naviframe = makeNaviframe();
+        EXPECT_TRUE(_naviframe->push(page));
         settle(0.1);
         std::vector<Elm_Object_Item *> rows;
         Evas_Object *list = page->getEvasObject();
@@ -94,6 +97,13 @@ protected:
                 rows.push_back(it);
         }
         return rows;
+    }
+
+    std::vector<std::string> labels(const std::vector<Elm_Object_Item *> &rows) {
+        std::vector<std::string> out;
+        for (Elm_Object_Item *row : rows)
+            out.push_back(textOf(row, "elm.text"));
+        return out;
     }
 
     std::vector<Evas_Object *> visibleToasts() {
@@ -115,6 +125,16 @@ protected:
         }
         settle(0.05);
     }
+
+    // The index of the row at the centre of the screen.
+    int centreRow(Evas_Object *list) {
+        int x, y, w, h, pos;
+        evas_object_geometry_get(list, &x, &y, &w, &h);
+        Elm_Object_Item *item = elm_genlist_at_xy_item_get(list, x + w / 2, y + h / 2, &pos);
+        return item ? elm_genlist_item_index_get(item) : -1;
+    }
+
+    WNaviframeController *_naviframe = nullptr;
 
     bool developerOption() {
         int on = 0;
@@ -228,41 +248,6 @@ TEST_F(PagesTest, BatteryValuesAreCutAt31And15Characters) {
     }
 }
 
-// Stand-ins of the pages
-
-TEST_F(PagesTest, PackageInfoExistsOnlyForInstalledPackages) {
-    writeProfile(R"({"packages": {"com.nerova.tessid.ravelclient": {"version": "1.6.3"}}})");
-    package_info_h info = nullptr;
-    ASSERT_EQ(package_manager_get_package_info("com.nerova.tessid.ravelclient", &info),
-              PACKAGE_MANAGER_ERROR_NONE);
-    ASSERT_NE(info, nullptr);
-    EXPECT_EQ(package_info_destroy(info), PACKAGE_MANAGER_ERROR_NONE);
-    info = nullptr;
-    EXPECT_EQ(package_manager_get_package_info("com.nerova.absent", &info),
-              PACKAGE_MANAGER_ERROR_NO_SUCH_PACKAGE);
-    EXPECT_EQ(info, nullptr);
-    EXPECT_EQ(package_manager_get_package_info(nullptr, &info),
-              PACKAGE_MANAGER_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(package_info_destroy(nullptr), PACKAGE_MANAGER_ERROR_INVALID_PARAMETER);
-    writeProfile(R"({"packages": {"com.nerova.tessid.ravelclient": {}},
-        "faults": [{"call": "package_manager_get_package_info", "code": -5}]})");
-    EXPECT_EQ(package_manager_get_package_info("com.nerova.tessid.ravelclient", &info), -5);
-    EXPECT_EQ(info, nullptr);
-}
-
-TEST_F(PagesTest, ApprovalVersionFillsAtMostTheAgreedBuffer) {
-    writeProfile(R"({"csc": {}})");
-    char version[CSC_SVC_CONFIG_APPROVAL_VERSION_MAX];
-    EXPECT_EQ(csc_svc_config_chk_approval_version_exist(), 0);
-    EXPECT_EQ(csc_svc_config_get_approval_version(version), 0);
-    std::string longVersion(100, 'V');
-    writeProfile(R"({"csc": {"approval_version": ")" + longVersion + "\"}}");
-    EXPECT_EQ(csc_svc_config_chk_approval_version_exist(), 1);
-    EXPECT_EQ(csc_svc_config_get_approval_version(version), 1);
-    EXPECT_EQ(std::string(version), longVersion.substr(0, CSC_SVC_CONFIG_APPROVAL_VERSION_MAX - 1));
-    EXPECT_NE(csc_svc_config_get_approval_version(nullptr), 1);
-}
-
 // Software page
 
 class SoftwarePageTest : public PagesTest {
@@ -299,7 +284,7 @@ TEST_F(SoftwarePageTest, RowsFollowTheProfileInOrder) {
     EXPECT_EQ(textOf(_rows[5], "elm.text.1"), "Unknown");
 }
 
-TEST_F(SoftwarePageTest, FiveTapsTurnDeveloperModeOnWithAToast) {
+TEST_F(SoftwarePageTest, FiveTapsInARowTurnDeveloperModeOnWithAToastEveryFifthTap) {
     tapTimes(softwareRow(), 4);
     EXPECT_FALSE(developerOption());
     EXPECT_TRUE(visibleToasts().empty());
@@ -308,31 +293,32 @@ TEST_F(SoftwarePageTest, FiveTapsTurnDeveloperModeOnWithAToast) {
     auto toasts = visibleToasts();
     ASSERT_EQ(toasts.size(), 1u);
     EXPECT_STREQ(elm_object_part_text_get(toasts[0], "elm.text"), "developer mode turned on");
-    // The row is not left highlighted.
-    EXPECT_FALSE(elm_genlist_item_selected_get(softwareRow()));
-}
-
-TEST_F(SoftwarePageTest, ATapOnAnotherValueRowStartsTheCountAgain) {
-    tapTimes(softwareRow(), 4);
-    tapTimes(platformRow(), 1);
-    tapTimes(softwareRow(), 4);
-    EXPECT_FALSE(developerOption());
-    EXPECT_TRUE(visibleToasts().empty());
-    tapTimes(securityStatusRow(), 1);
-    tapTimes(softwareRow(), 4);
-    EXPECT_FALSE(developerOption());
-    tapTimes(softwareRow(), 1);
-    EXPECT_TRUE(developerOption());
-}
-
-TEST_F(SoftwarePageTest, EveryFifthTapWritesTheKeyAgain) {
-    tapTimes(softwareRow(), 5);
-    ASSERT_TRUE(developerOption());
+    EXPECT_FALSE(elm_genlist_item_selected_get(softwareRow())) << "not left highlighted";
+    // The count starts again: the tenth tap writes the key again.
     vconf_set_bool(kDeveloperOption, 0);
     tapTimes(softwareRow(), 4);
     EXPECT_FALSE(developerOption());
     tapTimes(softwareRow(), 1);
     EXPECT_TRUE(developerOption());
+}
+
+TEST_F(SoftwarePageTest, OtherValueRowsStartTheCountAgainAndTheLinkRowsLeaveIt) {
+    for (Elm_Object_Item *other : {platformRow(), securityStatusRow()}) {
+        tapTimes(softwareRow(), 4);
+        tapTimes(other, 1);
+    }
+    tapTimes(softwareRow(), 4);
+    EXPECT_FALSE(developerOption());
+    // The security-platform page opens and is left; the client's settings are launched.
+    tapTimes(_rows[3], 1);
+    ASSERT_EQ(_naviframe->getViews().size(), 2u);
+    _naviframe->pop();
+    settle(0.1);
+    tapTimes(_rows[4], 1);
+    StAppControlLauncher::getInstance()->unblockUi();
+    EXPECT_FALSE(developerOption());
+    tapTimes(softwareRow(), 1);
+    EXPECT_TRUE(developerOption()) << "the fifth counted tap";
 }
 
 TEST_F(SoftwarePageTest, AFailedWriteIsLoggedAndTheToastStillShows) {
@@ -398,6 +384,125 @@ TEST_F(PagesTest, LicenceStepsAreNumberedOneToSixAndWordedForTheRegion) {
     }
 }
 
+// The About list
+
+TEST_F(PagesTest, AboutListEntriesFollowTheCountryAndTheRetailKeys) {
+    const std::vector<std::string> head = {"About Kesta",          "Device information",
+                                           "Model number",         "Storage",
+                                           "Software information", "Battery information"};
+    const std::vector<std::string> links = {"Looking for this?", "Reset Kesta"};
+    const struct {
+        const char *countryIso, *country;
+        int retail, demoUnit;
+        bool regulatory, links;
+    } cases[] = {
+        {"GB", "GB", 0, 0, false, true},
+        // The entry follows the ISO code; the licence wording (below) the country text.
+        {"IN", "GB", 0, 0, true, true},
+        {"GB", "IN", 0, 0, false, true},
+        {"GB", "GB", 1, 0, false, false},
+        {"GB", "GB", 0, 1, false, false},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(std::string(c.countryIso) + "/" + c.country + " retail " +
+                     std::to_string(c.retail) + "/" + std::to_string(c.demoUnit));
+        vconf_set_str("db/csc/country_iso", c.countryIso);
+        vconf_set_str("db/csc/text_string_country", c.country);
+        vconf_set_int("db/retailmode/enabled", c.retail);
+        vconf_set_int("db/retailmode/RDU_V9/enabled", c.demoUnit);
+        std::vector<std::string> expected = head;
+        if (c.regulatory)
+            expected.push_back("Regulatory information");
+        for (const char *label : {"Open source licences", "Report diagnostic and usage info",
+                                  "Nerova Tessid Privacy Notice", "Debugging"})
+            expected.push_back(label);
+        if (c.links)
+            expected.insert(expected.end(), links.begin(), links.end());
+        EXPECT_EQ(labels(pushAndList(new StInfoMainViewController())), expected);
+        evas_object_del(_naviframe->getEvasObject());
+    }
+}
+
+TEST_F(PagesTest, LicenceStepsAreWordedForTheCountryTextNotTheIsoCode) {
+    for (bool china : {false, true}) {
+        vconf_set_str("db/csc/text_string_country", china ? "CN" : "GB");
+        vconf_set_str("db/csc/country_iso", china ? "GB" : "CN");
+        _naviframe = makeNaviframe();
+        auto *page = new StInfoOpenSrcLicenseViewController();
+        ASSERT_TRUE(_naviframe->push(page));
+        settle(0.1);
+        std::vector<Evas_Object *> layouts;
+        evas_tree::collectByType(page->getEvasObject(), "elm_layout", &layouts, true);
+        std::string body;
+        for (Evas_Object *layout : layouts)
+            if (const char *text = elm_object_part_text_get(layout, "text.body"))
+                body = text;
+        EXPECT_EQ(body.find("WLAN") != std::string::npos, china) << body;
+        EXPECT_EQ(body.find("Wi-Fi") != std::string::npos, !china) << body;
+        evas_object_del(_naviframe->getEvasObject());
+    }
+}
+
+TEST_F(PagesTest, TheBezelTurnsTheAboutListAgainAfterEachPopupAndPage) {
+    vconf_set_bool("db/setting/debug_mode", 0);
+    vconf_set_bool("db/wms/user_agreement/errorlog", 0);
+    auto rows = pushAndList(new StInfoMainViewController());
+    Evas_Object *list = elm_object_item_widget_get(rows[0]);
+    auto row = [&](const std::string &label) {
+        for (Elm_Object_Item *r : rows)
+            if (textOf(r, "elm.text") == label)
+                return r;
+        return static_cast<Elm_Object_Item *>(nullptr);
+    };
+    const struct {
+        const char *row;
+        const char *profile;  // the restricted popup needs the policy
+    } opened[] = {
+        {"Debugging", "{}"},
+        {"Report diagnostic and usage info", "{}"},
+        {"Debugging", R"({"policy": {"change_allowed": false}})"},
+        {"Software information", "{}"},
+    };
+    for (const auto &o : opened) {
+        SCOPED_TRACE(std::string(o.row) + " " + o.profile);
+        writeProfile(o.profile);
+        tapTimes(row(o.row), 1);
+        EXPECT_TRUE(_naviframe->getViews().size() == 2 || _naviframe->getTopView()->getPopup())
+            << "nothing opened";
+        pressKey("Escape");
+        ASSERT_TRUE(runUntil([&] {
+            return _naviframe->getViews().size() == 1 && !_naviframe->getTopView()->getPopup();
+        }));
+        elm_genlist_item_show(rows[0], ELM_GENLIST_ITEM_SCROLLTO_TOP);
+        settle(0.1);
+        int before = centreRow(list);
+        pressKey("Next");
+        pressKey("Next");
+        EXPECT_TRUE(runUntil([&] { return centreRow(list) == before + 2; }, 1.0));
+    }
+}
+
+TEST_F(PagesTest, TheBezelScrollsTheRegulatoryAndLicencePages) {
+    vconf_set_str("db/csc/country_iso", "IN");
+    for (auto *page : std::vector<app_assist::WContentViewController *>{
+             new StInfoRegulatoryInfoViewController(), new StInfoOpenSrcLicenseViewController()}) {
+        _naviframe = makeNaviframe();
+        ASSERT_TRUE(_naviframe->push(page));
+        settle(0.1);
+        Evas_Object *scroller = evas_tree::findByType(page->getEvasObject(), "elm_scroller");
+        ASSERT_NE(scroller, nullptr);
+        auto top = [scroller] {
+            int x, y, w, h;
+            elm_scroller_region_get(scroller, &x, &y, &w, &h);
+            return y;
+        };
+        int before = top();
+        pressKey("Next");
+        EXPECT_TRUE(runUntil([&] { return top() > before; }, 1.0)) << page->getTitle();
+        evas_object_del(_naviframe->getEvasObject());
+    }
+}
+
 // Home key without a bus
 
 TEST_F(PagesTest, HomeKeyHandlerWithoutABusStaysUnregisteredAndKeepsTheLibraryBalanced) {
@@ -424,24 +529,4 @@ TEST_F(PagesTest, HomeKeyHandlerWithoutABusStaysUnregisteredAndKeepsTheLibraryBa
         setenv("DBUS_SYSTEM_BUS_ADDRESS", previous.c_str(), 1);
     else
         unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
-}
-
-// Profiles
-
-TEST(PagesProfile, InstalledPackagesAreCheckedAndEveryShippedPageProfileLoads) {
-    sim::Profile profile;
-    std::string error;
-    EXPECT_FALSE(profile.parse(R"({"packages": {"com.x": {"version": 2}}})", "w.json", &error));
-    EXPECT_EQ(error, "w.json: packages[\"com.x\"].version: expected a string, found number 2");
-    EXPECT_FALSE(profile.parse(R"({"packages": ["com.x"]})", "w.json", &error));
-    ASSERT_TRUE(
-        profile.parse(R"({"packages": {"com.x": {"version": "1", "size": 3}}})", "w.json", &error))
-        << error;
-    EXPECT_EQ(profile.warnings(),
-              std::vector<std::string>{"w.json: packages[\"com.x\"].size: unknown key (ignored)"});
-    for (const char *name : {"default", "india", "china", "no-info"}) {
-        sim::Profile shipped;
-        EXPECT_TRUE(shipped.load(sim::Profile::resolve(name, sim::profilesDir()), &error)) << error;
-        EXPECT_TRUE(shipped.warnings().empty()) << name;
-    }
 }

@@ -23,7 +23,6 @@
 #include <thread>
 #include <vector>
 
-#include "Profile.h"
 #include "SettingsStore.h"
 #include "support/SimulatedWatch.h"
 
@@ -88,21 +87,13 @@ private:
     std::vector<std::string> _values;
 };
 
-void seed(SimulatedWatch &watch, const std::string &profileText) {
-    sim::Profile profile;
-    std::string error;
-    ASSERT_TRUE(profile.parse(profileText, "test profile", &error)) << error;
-    ASSERT_TRUE(profile.seed(watch.stateDir(), &error)) << error;
-}
-
 const std::string kTapDebugging = "tap WDS_ST_MBODY_DEBUGGING_ABB\n";
 
 }  // namespace
 
 TEST(SecurityE2E, OnlyTheConfirmationOkTurnsDebuggingOn) {
-    std::string profile = profileWith("default", [](json &) {});
-    SimulatedWatch watch(profile);
-    seed(watch, profile);
+    SimulatedWatch watch(profileWith("default", [](json &) {}));
+    watch.seed();
     std::vector<std::string> writes;
     {
         DebugKeyWrites watcher(watch.stateDir());
@@ -140,13 +131,12 @@ TEST(SecurityE2E, NoEntryPointChangesDebuggingWhileThePolicyRestrictsIt) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
-        std::string profile = profileWith("default", [&c](json &p) {
+        SimulatedWatch watch(profileWith("default", [&c](json &p) {
             p["settings"][kDebugKey] = c.debugging;
             p["policy"]["allow_usb_debugging"] = c.allowUsbDebugging;
             p["policy"]["change_allowed"] = c.changeAllowed;
-        });
-        SimulatedWatch watch(profile);
-        seed(watch, profile);
+        }));
+        watch.seed();
         std::vector<std::string> writes;
         {
             DebugKeyWrites watcher(watch.stateDir());
