@@ -131,18 +131,19 @@ TEST_F(RowsTest, SwitchRowFollowsTheSettingAndSpeaksItsState) {
     EXPECT_EQ(textOf(item, "elm.text.1"), "(none)");
 }
 
-TEST_F(RowsTest, SwitchStateChangeWithoutAVisibleSwitchIsHarmless) {
+TEST_F(RowsTest, RowsNotYetOnScreenIgnoreUpdatesQuietly) {
+    ASSERT_EQ(vconf_set_bool("db/setting/debug_mode", 0), VCONF_OK);
+    testing::internal::CaptureStderr();
     auto *row = new StInfoUSBDebugItem();
-    row->setCheckState(true);  // never realised
+    row->setCheckState(true);  // no switch yet
+    StSubTextDecorationItem bare;
+    bare.decorate();  // no list item yet
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(logSinceStart(), "");
+    // Once shown, the switch shows the setting.
     Elm_Object_Item *item = append(row);
     settle();
-    elm_genlist_clear(_list);
-    EXPECT_EQ(elm_genlist_items_count(_list), 0u);
-    (void)item;
-}
-
-TEST_F(RowsTest, SubTextDecorationWithoutItsItemDoesNothing) {
-    StSubTextDecorationItem row;
-    row.decorate();
-    EXPECT_EQ(row.getElmObjectItem(), nullptr);
+    Evas_Object *check = elm_object_item_part_content_get(item, "elm.swallow.icon");
+    ASSERT_NE(check, nullptr);
+    EXPECT_FALSE(elm_check_state_get(check));
 }

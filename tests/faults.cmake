@@ -14,5 +14,4 @@ target_sources(bad_input_e2e_test PRIVATE support/DrivenWatch.cpp)
 
 # Security end to end.
 quillset_e2e_test(security_e2e_test Security_e2e_test.cpp TIMEOUT 180)
-find_package(Threads REQUIRED)
-target_link_libraries(security_e2e_test PRIVATE PkgConfig::DBUS Threads::Threads)
+target_link_libraries(security_e2e_test PRIVATE PkgConfig::DBUS)
