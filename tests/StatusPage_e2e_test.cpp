@@ -18,9 +18,7 @@ const std::string kUnknown = "Unknown";
 
 // The Korean carrier's and the China watch start in their own language; these tests read
 // English labels.
-void inEnglish(json &profile) {
-    profile["settings"]["db/menu_widget/language"] = "en_US.UTF-8";
-}
+const auto inEnglish = [](json &p) { p["settings"]["db/menu_widget/language"] = "en_US.UTF-8"; };
 
 }  // namespace
 

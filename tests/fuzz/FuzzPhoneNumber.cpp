@@ -2,7 +2,6 @@
 // is the number and the region format is unset.
 
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include "FuzzCheck.h"
