@@ -22,11 +22,6 @@
 
 namespace {
 
-void writeProfile(const std::string &json) {
-    std::ofstream(EflTestEnvironment::stateDir() + "/profile.json") << json;
-    platform::reloadProfile();
-}
-
 std::vector<nlohmann::json> rows(bool journal) {
     sim::UsageDb db;
     std::string error;

@@ -1,30 +1,22 @@
-// The software, security-platform, battery and licence pages: their models against the
-// stand-ins, the rows they show and the developer-mode tap counter with its toast.
+// The About list and its pages: the models against the stand-ins, the rows they show, the
+// bezel, the developer-mode tap counter with its toast, and the home key without a bus.
 
 // Smart-object membership is asked through upstream's Eo API, which it marks as beta.
 #define EFL_BETA_API_SUPPORT 1
 
 #include <WNaviframeController.h>
-#include <csc_svc_config.h>
 #include <gtest/gtest.h>
-#include <package_manager.h>
 #include <vconf.h>
 
-#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "EvasTree.h"
-#include "PlatformState.h"
-#include "Profile.h"
-#include "StatePaths.h"
 #include "StAppControlLauncher.h"
 #include "StHomeKeyHandler.h"
-#include "StInfoBatteryMenuItem.h"
 #include "StInfoBatteryModel.h"
 #include "StInfoMainViewController.h"
 #include "StInfoOpenSrcLicenseViewController.h"
@@ -32,7 +24,6 @@
 #include "StInfoSwModel.h"
 #include "StInfoSwViewController.h"
 #include "support/EflTestEnvironment.h"
-#include "tessid/StInfoTessidMenuItem.h"
 #include "tessid/StInfoTessidModel.h"
 #include "tessid/StInfoTessidViewController.h"
 
@@ -48,22 +39,8 @@ void unsetSetting(const std::string &key) {
     std::remove((EflTestEnvironment::stateDir() + "/settings/" + key).c_str());
 }
 
-void writeProfile(const std::string &json) {
-    std::ofstream(EflTestEnvironment::stateDir() + "/profile.json") << json;
-    platform::reloadProfile();
-}
-
 std::string vendorProfile(const std::string &vendorKeys) {
     return R"({"system_info": {"vendor": {)" + vendorKeys + "}}}";
-}
-
-std::string textOf(Elm_Object_Item *item, const char *part) {
-    const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
-    char *text =
-        itc->func.text_get(elm_object_item_data_get(item), elm_object_item_widget_get(item), part);
-    std::string out = text ? text : "(none)";
-    free(text);
-    return out;
 }
 
 size_t count(const std::string &text, const std::string &what) {

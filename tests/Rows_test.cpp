@@ -15,19 +15,6 @@
 #include "StSubTextDecorationItem.h"
 #include "support/EflTestEnvironment.h"
 
-namespace {
-
-std::string textOf(Elm_Object_Item *item, const char *part) {
-    const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
-    char *text =
-        itc->func.text_get(elm_object_item_data_get(item), elm_object_item_widget_get(item), part);
-    std::string out = text ? text : "(none)";
-    free(text);
-    return out;
-}
-
-}  // namespace
-
 class RowsTest : public EflTest {
 protected:
     void SetUp() override {
