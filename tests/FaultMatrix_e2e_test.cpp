@@ -1,7 +1,6 @@
-// The fault matrix: every platform call the application makes, failing on a simulated watch
-// while a person opens every screen. Each failure must leave its log lines (message, priority,
-// count), show its safe value where it shows one, and leave every other cell as it is on a watch
-// without faults. Failure points that touch different cells share one run of the application.
+// Every platform call the application makes, failing on a simulated watch while a person opens
+// every screen: each leaves its log lines, shows its safe value and leaves every other cell as on
+// a watch without faults. Failure points that touch different cells share one run.
 
 #include <gtest/gtest.h>
 
@@ -131,9 +130,8 @@ const std::vector<Point> kPoints = {
     {"system_info_get_custom_string(tizen/system/battery_capacity)", "", "battery/Battery capacity=Unknown"},
 };
 
-// The screens a person opens, in order, named when the step dumps one: main2 is the main list
-// again after the popups were confirmed, the unnamed step's second launch ends the first, and
-// lang is the watch in another language (neither a screen of its own).
+// The screens a person opens, in order, named when dumped: main2 is the main list after the
+// popups' OK, the unnamed step's second launch ends the first, lang is the watch in German.
 const struct Step { const char *screen; const char *script; } kSteps[] = {
     {"main", "dump\n"},
     {"debug", "tap WDS_ST_MBODY_DEBUGGING_ABB\ndump\npress WDS_ST_BUTTON_OK_ABB\n"},

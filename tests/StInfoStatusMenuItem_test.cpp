@@ -1,11 +1,10 @@
-// The rows of the device status page in a list: labels, values as the list asks for them, the
+// The rows of the device status page in a list: values as the list asks for them and draws them,
 // rows that change in place when the model's answers arrive, and what they show for nothing.
 
 #include <gtest/gtest.h>
 #include <vconf.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <string>
 

@@ -11,7 +11,6 @@
 #include <cstring>
 #include <fstream>
 #include <string>
-#include <vector>
 
 #include "PlatformState.h"
 #include "StInfoDefines.h"

@@ -14,7 +14,6 @@ using nlohmann::json;
 namespace {
 
 const std::string kOpen = "tap WDS_ST_TMBODY_DEVICE_INFORMATION\n";
-const std::string kUnknown = "Unknown";
 
 // The Korean carrier's and the China watch start in their own language; these tests read
 // English labels.
