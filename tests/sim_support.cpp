@@ -26,36 +26,23 @@ TempDir::~TempDir() {
         fprintf(stderr, "%s\n", error.c_str());
 }
 
-namespace {
-
-void prepareChild(const std::map<std::string, std::string> &env, const std::string &outFile,
-                  const std::string &errFile) {
-    unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
-    unsetenv("QUILLSET_STATE");
-    for (const auto &entry : env) {
-        if (entry.second.empty())
-            unsetenv(entry.first.c_str());
-        else
-            setenv(entry.first.c_str(), entry.second.c_str(), 1);
-    }
-    int in = open("/dev/null", O_RDONLY);
-    dup2(in, STDIN_FILENO);
-    int out = open(outFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    int err = open(errFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (out < 0 || err < 0)
-        _exit(126);
-    dup2(out, STDOUT_FILENO);
-    dup2(err, STDERR_FILENO);
-}
-
-}  // namespace
-
 pid_t start(const std::vector<std::string> &argv, const std::map<std::string, std::string> &env,
             const std::string &outFile, const std::string &errFile) {
     pid_t pid = fork();
     if (pid != 0)
         return pid;
-    prepareChild(env, outFile, errFile);
+    unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    unsetenv("QUILLSET_STATE");
+    for (const auto &entry : env)
+        setenv(entry.first.c_str(), entry.second.c_str(), 1);
+    int in = open("/dev/null", O_RDONLY);
+    int out = open(outFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    int err = open(errFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (in < 0 || out < 0 || err < 0)
+        _exit(126);
+    dup2(in, STDIN_FILENO);
+    dup2(out, STDOUT_FILENO);
+    dup2(err, STDERR_FILENO);
     std::vector<char *> args;
     for (const std::string &arg : argv)
         args.push_back(const_cast<char *>(arg.c_str()));
@@ -81,6 +68,12 @@ CommandResult run(const std::vector<std::string> &argv,
     return result;
 }
 
+CommandResult quillsetSim(std::vector<std::string> args,
+                          const std::map<std::string, std::string> &env) {
+    args.insert(args.begin(), program("quillset-sim"));
+    return run(args, env);
+}
+
 std::string program(const std::string &name) {
     return sim::executableDir() + "/" + name;
 }
@@ -94,6 +87,10 @@ std::string readText(const std::string &path) {
 
 void writeText(const std::string &path, const std::string &text) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
+}
+
+bool contains(const std::string &text, const std::string &part) {
+    return text.find(part) != std::string::npos;
 }
 
 }  // namespace simtest

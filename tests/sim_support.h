@@ -40,12 +40,14 @@ CommandResult run(const std::vector<std::string> &argv,
 // Starts a program without waiting; stdout and stderr go to the given files.
 pid_t start(const std::vector<std::string> &argv, const std::map<std::string, std::string> &env,
             const std::string &outFile, const std::string &errFile);
-
-// The build's programs (the tests live beside them).
+// quillset-sim ARGS..., from the build beside the tests.
+CommandResult quillsetSim(std::vector<std::string> args,
+                          const std::map<std::string, std::string> &env = {});
 std::string program(const std::string &name);
 
 std::string readText(const std::string &path);
 void writeText(const std::string &path, const std::string &text);
+bool contains(const std::string &text, const std::string &part);
 
 }  // namespace simtest
 
