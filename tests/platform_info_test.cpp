@@ -1,14 +1,18 @@
-// The stand-ins that answer from the watch's profile: system information by namespace,
-// installed packages, the CSC approval version and the suite's shared resources.
+// The stand-ins that answer from the watch's profile (system information by namespace,
+// installed packages, the CSC approval version, the suite's shared resources), and the
+// platform log: the line format people read, and where the lines go.
 
 #include <app_manager.h>
 #include <csc_svc_config.h>
+#include <dlog.h>
 #include <gtest/gtest.h>
 #include <package_manager.h>
 #include <system_info.h>
+#include <unistd.h>
 
 #include <cstdlib>
-#include <sstream>
+#include <regex>
+#include <tuple>
 
 #include "StatePaths.h"
 #include "sim_platform_support.h"
@@ -16,10 +20,10 @@
 namespace {
 
 const char *const kProfile = R"({"system_info": {
-    "platform": {"system/model_name": "QX-M480", "screen/width": 360, "screen/dpi": 301.5,
+    "platform": {"system/model_name": "QX-M480", "screen/width": 360,
                  "feature/network.telephony.service.cdma": true},
     "vendor": {"tizen/feature/esim.phase": 1, "tizen/system/rated_current": "5V 0.5A",
-               "tizen/feature/nfc": true, "tizen/big": 4294967296}}})";
+               "tizen/big": 4294967296}}})";
 
 class PlatformInfoTest : public simtest::StateTest {
 protected:
@@ -29,35 +33,27 @@ protected:
     }
 };
 
-// Asks for a key as a platform or custom (vendor) value of the given type: the result and the
-// value as text, "untouched" for a string left alone (other types start as false or 7).
+// A key asked for as a platform or custom (vendor) string, bool or int: the value as text,
+// "untouched" for a string left alone (a bool starts as false, an int as 7).
 std::string ask(bool custom, char type, const std::string &key, int *ret) {
     const char *k = key.c_str();
-    std::ostringstream text;
-    if (type == 's') {
-        char untouched, *value = &untouched;
-        *ret = custom ? system_info_get_custom_string(k, &value)
-                      : system_info_get_platform_string(k, &value);
-        text << (value == &untouched ? "untouched" : value ? value : "(null)");
-        if (value != &untouched)
-            free(value);
-    } else if (type == 'b') {
-        bool value = false;
-        *ret = custom ? system_info_get_custom_bool(k, &value)
-                      : system_info_get_platform_bool(k, &value);
-        text << (value ? "true" : "false");
-    } else if (type == 'i') {
-        int value = 7;
-        *ret = custom ? system_info_get_custom_int(k, &value)
-                      : system_info_get_platform_int(k, &value);
-        text << value;
-    } else {
-        double value = 7;
-        *ret = custom ? system_info_get_custom_double(k, &value)
-                      : system_info_get_platform_double(k, &value);
-        text << value;
-    }
-    return text.str();
+    char untouched, *text = &untouched;
+    bool flag = false;
+    int number = 7;
+    if (type == 's')
+        *ret = custom ? system_info_get_custom_string(k, &text)
+                      : system_info_get_platform_string(k, &text);
+    else if (type == 'b')
+        *ret = system_info_get_platform_bool(k, &flag);
+    else
+        *ret = custom ? system_info_get_custom_int(k, &number)
+                      : system_info_get_platform_int(k, &number);
+    if (type != 's')
+        return type == 'b' ? (flag ? "true" : "false") : std::to_string(number);
+    std::string value = text == &untouched ? "untouched" : text ? text : "(null)";
+    if (text != &untouched)
+        free(text);
+    return value;
 }
 
 }  // namespace
@@ -66,21 +62,13 @@ TEST_F(PlatformInfoTest, KeysAnswerFromTheirOwnNamespaceWithTheirOwnType) {
     const int kNone = SYSTEM_INFO_ERROR_NONE, kInvalid = SYSTEM_INFO_ERROR_INVALID_PARAMETER,
               kUnsupported = SYSTEM_INFO_ERROR_NOT_SUPPORTED;
     const std::string p = "http://tizen.org/", v = "http://developer.nerova.com/";
-    const struct {
-        bool custom;
-        char type;
-        std::string key;
-        int ret;
-        const char *value;
-    } cases[] = {
+    // Asked as a custom value or not, of which type: the result and the value.
+    const std::tuple<bool, char, std::string, int, const char *> cases[] = {
         {false, 's', p + "system/model_name", kNone, "QX-M480"},
         {false, 'b', p + "feature/network.telephony.service.cdma", kNone, "true"},
         {false, 'i', p + "screen/width", kNone, "360"},
-        {false, 'd', p + "screen/dpi", kNone, "301.5"},
-        {false, 'd', p + "screen/width", kNone, "360"},  // a whole number is a double too
         {true, 'i', v + "tizen/feature/esim.phase", kNone, "1"},
         {true, 's', v + "tizen/system/rated_current", kNone, "5V 0.5A"},
-        {true, 'b', v + "tizen/feature/nfc", kNone, "true"},
         // A failed string read gives NULL; other failed reads leave the value alone.
         {false, 's', v + "system/model_name", kInvalid, "(null)"},
         {false, 's', "tizen.org/system/model_name", kInvalid, "(null)"},
@@ -91,10 +79,10 @@ TEST_F(PlatformInfoTest, KeysAnswerFromTheirOwnNamespaceWithTheirOwnType) {
         {false, 'b', p + "system/model_name", kInvalid, "false"},
         {true, 'i', v + "tizen/big", kInvalid, "7"},  // too big for an int
     };
-    for (const auto &c : cases) {
+    for (const auto &[custom, type, key, result, value] : cases) {
         int ret = 0;
-        EXPECT_EQ(ask(c.custom, c.type, c.key, &ret), c.value) << c.key;
-        EXPECT_EQ(ret, c.ret) << c.key;
+        EXPECT_EQ(ask(custom, type, key, &ret), value) << key;
+        EXPECT_EQ(ret, result) << key;
     }
     EXPECT_TRUE(simtest::contains(platformLog(), "W/SYSTEM_INFO("))
         << "a profile value of the wrong type is pointed out";
@@ -147,10 +135,44 @@ TEST_F(PlatformInfoTest, PackagesApprovalVersionAndSharedResourcesComeFromThePro
     EXPECT_EQ(csc_svc_config_get_approval_version(version), 0) << "no approval version";
 }
 
-TEST(PlatformInfoWithoutAWatch, ReadsAreIoErrors) {
+using DlogTest = simtest::StateTest;
+
+TEST_F(DlogTest, EachMessageIsOneStampedLineOnStderrAndInTheLog) {
+    testing::internal::CaptureStderr();
+    int n = dlog_print(DLOG_ERROR, "W-SETTING", "%s: %s(%d) > %s", "StInfoModel.cpp", "_init", 42,
+                       "\033[0;31m* Critical * vconf failed\033[0;m");
+    std::string first = testing::internal::GetCapturedStderr();
+    std::regex line("^\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d E/W-SETTING\\(" + std::to_string(getpid()) +
+                    "\\): StInfoModel\\.cpp: _init\\(42\\) > \033\\[0;31m\\* Critical \\* vconf "
+                    "failed\033\\[0;m\n$");
+    EXPECT_TRUE(std::regex_match(first, line)) << first;
+    EXPECT_EQ(n, static_cast<int>(first.size()));
+
+    // Priorities show as letters; a long message is whole, a trailing newline not doubled.
+    const std::string big(10000, 'x');
+    testing::internal::CaptureStderr();
+    for (log_priority priority :
+         {DLOG_VERBOSE, DLOG_DEBUG, DLOG_INFO, DLOG_DEFAULT, DLOG_WARN, DLOG_ERROR, DLOG_FATAL})
+        dlog_print(priority, "T", "ends with a newline\n");
+    EXPECT_EQ(dlog_print(DLOG_SILENT, "T", "never shown"), 0);
+    dlog_print(DLOG_INFO, "T", "%s", big.c_str());
+    std::string err = first + testing::internal::GetCapturedStderr(), letters;
+    EXPECT_EQ(platformLog(), err) << "the same lines, colour codes kept";
+    for (size_t at = first.size(); at < err.size(); at = err.find('\n', at) + 1)
+        letters += err[at + 13];  // after "HH:MM:SS.mmm "
+    EXPECT_EQ(letters, "VDIIWEFI");
+    EXPECT_TRUE(simtest::contains(err, "): " + big + "\n") && !simtest::contains(err, "\n\n"));
+}
+
+TEST(StandInsWithoutAWatch, ReadsAreIoErrorsAndLogLinesStillReachStderr) {
     unsetenv("QUILLSET_STATE");
     char *value = nullptr;
     EXPECT_EQ(system_info_get_platform_string("http://tizen.org/system/model_name", &value),
               SYSTEM_INFO_ERROR_IO_ERROR);
     EXPECT_EQ(value, nullptr);
+    testing::internal::CaptureStderr();
+    int n = dlog_print(DLOG_WARN, "T", "still here");
+    std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(simtest::contains(err, " W/T(" + std::to_string(getpid()) + "): still here\n"));
+    EXPECT_EQ(n, -EIO) << "the log file could not be written";
 }

@@ -2,30 +2,7 @@
 
 #include <Ecore.h>
 
-#include <cstdlib>
-
-#include "PlatformState.h"
-
 namespace simtest {
-
-void StateTest::SetUp() {
-    setenv("QUILLSET_STATE", _state.path().c_str(), 1);
-    unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
-    useProfile("{}");
-}
-
-void StateTest::TearDown() {
-    platform::reloadProfile();
-}
-
-void StateTest::useProfile(const std::string &json) {
-    writeText(_state / "profile.json", json);
-    platform::reloadProfile();
-}
-
-std::string StateTest::platformLog() const {
-    return readText(_state / "platform.log");
-}
 
 namespace {
 

@@ -3,11 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <climits>
+#include <filesystem>
+#include <tuple>
 
 #include "SettingsStore.h"
 #include "sim_support.h"
@@ -24,43 +25,30 @@ protected:
     std::string _error;
 };
 
-std::vector<std::string> entries(const std::string &dir) {
-    std::vector<std::string> names;
-    if (DIR *d = opendir(dir.c_str())) {
-        while (struct dirent *entry = readdir(d))
-            if (entry->d_name[0] != '.')
-                names.push_back(entry->d_name);
-        closedir(d);
-    }
-    return names;
-}
-
 }  // namespace
 
 TEST_F(SettingsStoreTest, ValueFilesReadAsPeopleWriteThemAndAnythingElseIsCorrupt) {
     // The form people read and edit by hand; that every value reads back as written is the
     // setting_value fuzzer's property. Numbers may end with a newline, strings keep theirs.
-    const struct {
-        const char *file;
-        SettingValue value;
-        bool asWritten;  // the store writes the value so
-    } cases[] = {{"bool:1", SettingValue::ofBool(true), true},
-                 {"int:-2147483648", SettingValue::ofInt(INT_MIN), true},
-                 {"double:0.10000000000000001", SettingValue::ofDouble(0.1), true},
-                 {"string:two\nlines: and a colon\n",
-                  SettingValue::ofString("two\nlines: and a colon\n"), true},
-                 {"int:5\n", SettingValue::ofInt(5), false},
-                 {"string:GB\n", SettingValue::ofString("GB\n"), false}};
+    // The file, its value, and whether the store writes the value so.
+    const std::tuple<const char *, SettingValue, bool> cases[] = {
+        {"bool:1", SettingValue::ofBool(true), true},
+        {"int:-2147483648", SettingValue::ofInt(INT_MIN), true},
+        {"double:0.10000000000000001", SettingValue::ofDouble(0.1), true},
+        {"string:two\nlines: and a colon\n", SettingValue::ofString("two\nlines: and a colon\n"),
+         true},
+        {"int:5\n", SettingValue::ofInt(5), false},
+        {"string:GB\n", SettingValue::ofString("GB\n"), false}};
     const std::string key = "db/test/value", path = _store.pathOf(key);
-    for (const auto &c : cases) {
-        ASSERT_EQ(_store.write(key, c.value, &_error), SettingsStore::Ok);
-        if (c.asWritten) {
-            EXPECT_EQ(simtest::readText(path), c.file);
+    for (const auto &[file, expected, asWritten] : cases) {
+        ASSERT_EQ(_store.write(key, expected, &_error), SettingsStore::Ok);
+        if (asWritten) {
+            EXPECT_EQ(simtest::readText(path), file);
         }
-        simtest::writeText(path, c.file);
+        simtest::writeText(path, file);
         SettingValue value;
-        EXPECT_EQ(_store.read(key, &value, &_error), SettingsStore::Ok) << c.file;
-        EXPECT_TRUE(value == c.value) << c.file << " read as " << value.text();
+        EXPECT_EQ(_store.read(key, &value, &_error), SettingsStore::Ok) << file;
+        EXPECT_TRUE(value == expected) << file << " read as " << value.text();
     }
     for (const char *file : {"", "bool:2", "bool:true", "int:12x", "int: 5", "int:99999999999",
                              "double:nan", "double:1e999", "float:1.0", "string", "\x01\x02"}) {
@@ -72,17 +60,6 @@ TEST_F(SettingsStoreTest, ValueFilesReadAsPeopleWriteThemAndAnythingElseIsCorrup
     }
 }
 
-TEST_F(SettingsStoreTest, GroupsOfKeysAndRemovedKeysReadAsMissing) {
-    ASSERT_EQ(_store.write("db/group/key", SettingValue::ofInt(1), &_error), SettingsStore::Ok);
-    ASSERT_EQ(_store.write("db/group/other", SettingValue::ofInt(2), &_error), SettingsStore::Ok);
-    EXPECT_EQ(_store.remove("db/group/key", &_error), SettingsStore::Ok);
-    EXPECT_EQ(_store.remove("db/group/key", &_error), SettingsStore::Missing);
-    SettingValue value;
-    for (const char *key : {"db/none", "db/group", "db/group/key", "db/group/other/below"})
-        EXPECT_EQ(_store.read(key, &value, &_error), SettingsStore::Missing) << key;
-    EXPECT_EQ(_store.read("db/group/other", &value, &_error), SettingsStore::Ok);
-}
-
 TEST_F(SettingsStoreTest, KeysThatWouldLeaveTheStoreOrHideAsTemporaryFilesAreRefused) {
     for (const char *key : {"", "/etc/passwd", "../outside", "db/../../outside", "db//x", "db/./x",
                             "db/x/", "db/x.tmp.1", "db/\nkey", "db/\x7fkey"}) {
@@ -91,7 +68,7 @@ TEST_F(SettingsStoreTest, KeysThatWouldLeaveTheStoreOrHideAsTemporaryFilesAreRef
         EXPECT_EQ(_store.read(key, &value, &_error), SettingsStore::BadKey) << key;
         EXPECT_EQ(_store.remove(key, &_error), SettingsStore::BadKey) << key;
     }
-    EXPECT_TRUE(entries(_state.path()).empty()) << "nothing was created";
+    EXPECT_TRUE(std::filesystem::is_empty(_state.path())) << "nothing was created";
     EXPECT_TRUE(SettingsStore::validKey("db/setting/update-service/auto_update_type"));
     EXPECT_TRUE(SettingsStore::validKey("memory/private/x.y_z"));
 }
@@ -116,28 +93,6 @@ TEST_F(SettingsStoreTest, ReadersNeverSeeHalfAWriteAndNoTemporaryFileIsLeft) {
     }
     waitpid(writer, nullptr, 0);
     EXPECT_EQ(partial, 0);
-    EXPECT_EQ(entries(_store.root() + "/db/test"), std::vector<std::string>{"busy"});
-}
-
-TEST(SettingValue, ParsesWhatPeopleTypeAndRefusesTheRest) {
-    const struct {
-        const char *type, *text, *shown;  // shown: text() of the value
-    } cases[] = {
-        {"bool", "1", "true"},          {"bool", "false", "false"},
-        {"bool", "yes", "refused"},     {"bool", "", "refused"},
-        {"int", "-42", "-42"},          {"int", "2147483648", "refused"},
-        {"int", "12x", "refused"},      {"int", " 5", "refused"},
-        {"double", "1e3", "1000"},      {"double", "2.5e-7", "2.5e-07"},
-        {"double", "nan", "refused"},   {"double", "1e999", "refused"},
-        {"double", "0x1p3", "refused"}, {"string", "a b:c", "a b:c"},
-        {"float", "1", "refused"},
-    };
-    for (const auto &c : cases) {
-        SettingValue value;
-        std::string error;
-        std::string got = SettingValue::parse(c.type, c.text, &value, &error) ? value.text()
-                          : error.empty()                                     ? "no reason given"
-                                                                              : "refused";
-        EXPECT_EQ(got, c.shown) << c.type << " '" << c.text << "'";
-    }
+    auto files = std::filesystem::directory_iterator(_store.root() + "/db/test");
+    EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "no temporary file is left";
 }
