@@ -1,6 +1,6 @@
 // The stand-ins that answer from the watch's profile (system information by namespace,
-// installed packages, the CSC approval version, the suite's shared resources), and the
-// platform log: the line format people read, and where the lines go.
+// installed packages, the CSC approval version, the suite's shared resources), the platform
+// log (the line format people read, and where the lines go), and every stand-in without a watch.
 
 #include <app_manager.h>
 #include <csc_svc_config.h>
@@ -9,6 +9,7 @@
 #include <package_manager.h>
 #include <system_info.h>
 #include <unistd.h>
+#include <vconf.h>
 
 #include <cstdlib>
 #include <regex>
@@ -19,11 +20,15 @@
 
 namespace {
 
+// A fault may name a key by its path or by its whole name.
 const char *const kProfile = R"({"system_info": {
-    "platform": {"system/model_name": "QX-M480", "screen/width": 360,
+    "platform": {"system/model_name": "QX-M480", "screen/width": 360, "system/build.string": "B",
                  "feature/network.telephony.service.cdma": true},
     "vendor": {"tizen/feature/esim.phase": 1, "tizen/system/rated_current": "5V 0.5A",
-               "tizen/big": 4294967296}}})";
+               "tizen/big": 4294967296, "tizen/feature/slots": 2}},
+    "faults": [{"call": "system_info_get_platform_string", "key": "system/build.string", "code": -5},
+               {"call": "system_info_get_custom_int", "code": -12,
+                "key": "http://developer.nerova.com/tizen/feature/slots"}]})";
 
 class PlatformInfoTest : public simtest::StateTest {
 protected:
@@ -78,6 +83,8 @@ TEST_F(PlatformInfoTest, KeysAnswerFromTheirOwnNamespaceWithTheirOwnType) {
         {false, 's', p + "screen/width", kInvalid, "(null)"},
         {false, 'b', p + "system/model_name", kInvalid, "false"},
         {true, 'i', v + "tizen/big", kInvalid, "7"},  // too big for an int
+        {false, 's', p + "system/build.string", -5, "(null)"},
+        {true, 'i', v + "tizen/feature/slots", -12, "7"},
     };
     for (const auto &[custom, type, key, result, value] : cases) {
         int ret = 0;
@@ -92,37 +99,21 @@ TEST_F(PlatformInfoTest, KeysAnswerFromTheirOwnNamespaceWithTheirOwnType) {
     EXPECT_EQ(ret, kUnsupported) << "a profile without system information supports nothing";
 }
 
-TEST_F(PlatformInfoTest, FaultsFailAKeyByItsPathOrWholeName) {
-    useProfile(std::string(kProfile).insert(1, R"("faults": [
-        {"call": "system_info_get_platform_string", "key": "system/model_name", "code": -5},
-        {"call": "system_info_get_custom_int",
-         "key": "http://developer.nerova.com/tizen/feature/esim.phase", "code": -12}],)"));
-    int ret = 0;
-    EXPECT_EQ(ask(false, 's', "http://tizen.org/system/model_name", &ret), "(null)");
-    EXPECT_EQ(ret, -5);
-    EXPECT_EQ(ask(true, 'i', "http://developer.nerova.com/tizen/feature/esim.phase", &ret), "7");
-    EXPECT_EQ(ret, -12);
-    EXPECT_EQ(ask(false, 'i', "http://tizen.org/screen/width", &ret), "360");
-}
-
 TEST_F(PlatformInfoTest, PackagesApprovalVersionAndSharedResourcesComeFromTheProfile) {
     const std::string longVersion(100, 'V');
     useProfile(R"({"packages": {"com.nerova.tessid.ravelclient": {"version": "1.6.3"}},
                    "csc": {"approval_version": ")" +
                longVersion + "\"}}");
     package_info_h info = nullptr;
-    ASSERT_EQ(package_manager_get_package_info("com.nerova.tessid.ravelclient", &info),
-              PACKAGE_MANAGER_ERROR_NONE);
-    EXPECT_EQ(package_info_destroy(info), PACKAGE_MANAGER_ERROR_NONE);
+    ASSERT_EQ(package_manager_get_package_info("com.nerova.tessid.ravelclient", &info), 0);
+    package_info_destroy(info);
     EXPECT_EQ(package_manager_get_package_info("com.nerova.absent", &info),
               PACKAGE_MANAGER_ERROR_NO_SUCH_PACKAGE);
-    EXPECT_EQ(info, nullptr);
     char version[CSC_SVC_CONFIG_APPROVAL_VERSION_MAX];
     EXPECT_EQ(csc_svc_config_get_approval_version(version), 1);
     EXPECT_EQ(version, longVersion.substr(0, CSC_SVC_CONFIG_APPROVAL_VERSION_MAX - 1));
     char *path = nullptr;
-    ASSERT_EQ(app_manager_get_shared_resource_path("com.nerova.quillset", &path),
-              APP_MANAGER_ERROR_NONE);
+    ASSERT_EQ(app_manager_get_shared_resource_path("com.nerova.quillset", &path), 0);
     EXPECT_EQ(path, sim::dataDir() + "/shared/res/") << "callers append file names to it";
     free(path);
     EXPECT_EQ(app_manager_get_shared_resource_path("com.nerova.quillset.reset", &path),
@@ -164,15 +155,23 @@ TEST_F(DlogTest, EachMessageIsOneStampedLineOnStderrAndInTheLog) {
     EXPECT_TRUE(simtest::contains(err, "): " + big + "\n") && !simtest::contains(err, "\n\n"));
 }
 
-TEST(StandInsWithoutAWatch, ReadsAreIoErrorsAndLogLinesStillReachStderr) {
+TEST(StandInsWithoutAWatch, CallsFailSayingWhyOnceAndLogLinesStillReachStderr) {
     unsetenv("QUILLSET_STATE");
-    char *value = nullptr;
-    EXPECT_EQ(system_info_get_platform_string("http://tizen.org/system/model_name", &value),
-              SYSTEM_INFO_ERROR_IO_ERROR);
-    EXPECT_EQ(value, nullptr);
     testing::internal::CaptureStderr();
-    int n = dlog_print(DLOG_WARN, "T", "still here");
+    int value = 3;
+    char *text = nullptr;
+    EXPECT_EQ(vconf_get_int("db/test/a", &value), VCONF_ERROR);
+    EXPECT_EQ(vconf_set_int("db/test/a", 1), VCONF_ERROR);
+    EXPECT_EQ(vconf_notify_key_changed(
+                  "db/test/a", [](keynode_t *, void *) {}, nullptr),
+              -1);
+    EXPECT_EQ(system_info_get_platform_string("http://tizen.org/system/model_name", &text),
+              SYSTEM_INFO_ERROR_IO_ERROR);
+    EXPECT_EQ(dlog_print(DLOG_WARN, "T", "still here"), -EIO) << "no log file to write";
     std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(value == 3 && text == nullptr);
+    const char *reason = "QUILLSET_STATE is not set: start the program with `quillset-sim run`";
+    EXPECT_NE(err.find(reason), std::string::npos) << err;
+    EXPECT_EQ(err.find(reason), err.rfind(reason)) << "said once: " << err;
     EXPECT_TRUE(simtest::contains(err, " W/T(" + std::to_string(getpid()) + "): still here\n"));
-    EXPECT_EQ(n, -EIO) << "the log file could not be written";
 }

@@ -176,17 +176,3 @@ TEST_F(VconfTest, FaultsFailTheNamedCallForTheNamedKeyOnly) {
     EXPECT_EQ(vconf_notify_key_changed("db/test/b", recordCb, &seen), -9);
     EXPECT_EQ(vconf_notify_key_changed("db/test/a", recordCb, &seen), VCONF_OK);
 }
-
-TEST(VconfWithoutAWatch, EveryCallFailsAndTheReasonIsGivenOnce) {
-    unsetenv("QUILLSET_STATE");
-    testing::internal::CaptureStderr();
-    int value = 3;
-    EXPECT_EQ(vconf_get_int("db/test/a", &value), VCONF_ERROR);
-    EXPECT_EQ(vconf_set_int("db/test/a", 1), VCONF_ERROR);
-    EXPECT_EQ(vconf_notify_key_changed("db/test/a", recordCb, nullptr), VCONF_ERROR);
-    std::string err = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(value, 3);
-    const char *reason = "QUILLSET_STATE is not set: start the program with `quillset-sim run`";
-    EXPECT_NE(err.find(reason), std::string::npos) << err;
-    EXPECT_EQ(err.find(reason), err.rfind(reason)) << "said once: " << err;
-}

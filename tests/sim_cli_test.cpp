@@ -113,11 +113,9 @@ TEST_F(SimCliTest, SettingsAndTheLanguageAreWrittenFromTheCommandLine) {
     const std::string key = "db/test/key", language = "db/menu_widget/language";
     const std::tuple<std::vector<std::string>, std::string, std::string> cases[] = {
         {{"set", key, "bool", "0"}, key, "false\n"},
-        {{"set", key, "bool", "true"}, key, "true\n"},
         {{"set", key, "double", "2.5e-7"}, key, "2.5e-07\n"},
         {{"set", key, "string", ""}, key, "\n"},
         {{"event", "language", "ko"}, language, "ko_KR.UTF-8\n"},
-        {{"event", "language", "de_AT"}, language, "de_AT.UTF-8\n"},
         {{"event", "language", "fr_FR.UTF-8"}, language, "fr_FR.UTF-8\n"},
     };
     for (const auto &[args, key, shown] : cases) {  // the command, then what get shows
@@ -161,7 +159,6 @@ TEST_F(SimCliTest, EveryRefusalSaysWhyAndLosesNothing) {
         {{"get", "db/test/corrupt"}, 1, "corrupt value"},
         {{"set", key, "int", "12x"}, 1, "not '12x'; nothing was written"},
         {{"set", key, "int", "2147483648"}, 1, "nothing was written"},
-        {{"set", key, "int", " 5"}, 1, "nothing was written"},
         {{"set", key, "bool", "yes"}, 1, "nothing was written"},
         {{"set", key, "double", "nan"}, 1, "nothing was written"},
         {{"set", key, "double", "0x1p3"}, 1, "nothing was written"},
@@ -180,72 +177,45 @@ TEST_F(SimCliTest, EveryRefusalSaysWhyAndLosesNothing) {
     EXPECT_EQ(sim({"get", "db/menu_widget/language"}).out, "en_US.UTF-8\n");
     EXPECT_TRUE(
         contains(simtest::quillsetSim({"event", "launch"}).err, "which watch? Give --state"));
+    EXPECT_TRUE(contains(sim({"profiles"}).out, "\ndefault          A Kesta with LTE and eSIM;"));
 }
 
-TEST_F(SimCliTest, ProfilesAreListedWithTheirDescriptions) {
-    CommandResult r = sim({"profiles"});
-    EXPECT_TRUE(contains(r.out, "default          A Kesta with LTE and eSIM; every value present"));
-    std::istringstream lines(r.out);
-    for (std::string line; std::getline(lines, line);)
-        EXPECT_TRUE(line.size() > 17 && !contains(line, "(invalid")) << line;
-}
-
-TEST_F(SimCliTest, UsageAndLaunchesAreListedAsJsonLines) {
-    {
-        sim::UsageDb db;
-        std::string e;
-        ASSERT_TRUE(db.open(_state, &e)) << e;
-        ASSERT_TRUE(db.addRecord("content://log", "com.nerova.quillset", "S003", nullptr, "1", &e));
-        long long id = db.addJournal("launch", "com.nerova.esim", "", R"({"n":"2"})", 1, 0, 0, &e);
-        ASSERT_GT(db.addJournal("terminate", "com.nerova.esim", "", "", 0, -3, id, &e), id) << e;
-    }
-    std::string listed;
-    for (const char *command : {"usage", "launches"}) {
-        std::istringstream lines(sim({command}).out);
-        for (std::string line; std::getline(lines, line);) {
-            nlohmann::json row = nlohmann::json::parse(line);
-            EXPECT_GT(row["time"].get<double>(), 1.6e9) << "seconds since the epoch";
-            listed += (row.erase("time"), row.dump()) + "\n";
-        }
-    }
-    // Empty fields are left out; extra data shows as the object it is.
-    EXPECT_EQ(
-        listed,
-        R"({"app_id":"com.nerova.quillset","feature":"S003","id":1,"kind":"record","uri":"content://log","value":"1"}
-{"app_id":"com.nerova.esim","extra_data":{"n":"2"},"id":1,"launch_mode":1,"request":"launch","result":0}
-{"app_id":"com.nerova.esim","id":2,"launch_id":1,"launch_mode":0,"request":"terminate","result":-3}
-)");
-}
-
-TEST(UsageDb, SeveralProcessesWritingAtOnceLoseNoRow) {
-    // The services daemon creates the database when the watch starts.
-    simtest::TempDir state;
-    sim::UsageDb db;
-    std::string error;
-    ASSERT_TRUE(db.open(state.path(), &error)) << error;
+TEST_F(SimCliTest, UsageFromSeveralWritersAtOnceIsListedAsJsonLines) {
+    // The application and the services daemon write at once; the daemon made the database.
     for (int w = 0; w < 3; ++w) {
         if (fork() == 0) {
-            sim::UsageDb writer;
-            bool ok = writer.open(state.path(), &error);
+            sim::UsageDb db;
+            std::string e;
+            bool ok = db.open(_state, &e);
             for (int k = 0; ok && k < 100; ++k)
-                ok = writer.addRecord("u", "app", "F", nullptr, nullptr, &error);
+                ok = db.addRecord("u", "app", "F", nullptr, nullptr, &e);
             _exit(ok ? 0 : 1);
         }
     }
     int status = 0, failed = 0;
     while (wait(&status) > 0)
         failed += !WIFEXITED(status) || WEXITSTATUS(status) != 0;
-    std::vector<nlohmann::json> usage;
-    ASSERT_TRUE(db.listUsage(&usage, &error)) << error;
     EXPECT_EQ(failed, 0);
-    EXPECT_EQ(usage.size(), 300u);
-}
-
-TEST(UsageDb, OpeningWhereThereIsNoWatchSaysWhereAndStoresNothing) {
     sim::UsageDb db;
-    std::string error;
-    EXPECT_FALSE(db.open("/nonexistent/watch", &error));
-    EXPECT_TRUE(simtest::contains(error, "/nonexistent/watch/usage.db")) << error;
-    EXPECT_FALSE(db.addRecord("u", "a", "f", nullptr, nullptr, &error));
-    EXPECT_EQ(db.addJournal("launch", "a", "", "", 0, 0, 0, &error), 0);
+    std::string e;
+    ASSERT_TRUE(db.open(_state, &e)) << e;
+    ASSERT_TRUE(db.addRecord("content://log", "com.nerova.quillset", "S003", nullptr, "1", &e));
+    long long id = db.addJournal("launch", "com.nerova.esim", "", R"({"n":"2"})", 1, 0, 0, &e);
+    ASSERT_GT(db.addJournal("terminate", "com.nerova.esim", "", "", 0, -3, id, &e), id) << e;
+    std::string listed;
+    for (const char *command : {"usage", "launches"}) {
+        std::istringstream lines(sim({command}).out);
+        for (std::string line; std::getline(lines, line);) {
+            nlohmann::json row = nlohmann::json::parse(line);
+            EXPECT_GT(row["time"].get<double>(), 1.6e9) << "seconds since the epoch";
+            listed = row["id"] == 300 ? "" : listed + (row.erase("time"), row.dump()) + "\n";
+        }
+    }
+    // No row is lost; empty fields are left out; extra data shows as the object it is.
+    EXPECT_EQ(
+        listed,
+        R"({"app_id":"com.nerova.quillset","feature":"S003","id":301,"kind":"record","uri":"content://log","value":"1"}
+{"app_id":"com.nerova.esim","extra_data":{"n":"2"},"id":1,"launch_mode":1,"request":"launch","result":0}
+{"app_id":"com.nerova.esim","id":2,"launch_id":1,"launch_mode":0,"request":"terminate","result":-3}
+)");
 }

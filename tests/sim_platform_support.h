@@ -1,7 +1,8 @@
 #ifndef QUILLSET_TESTS_SIM_PLATFORM_SUPPORT_H
 #define QUILLSET_TESTS_SIM_PLATFORM_SUPPORT_H
 
-#include <cstdlib>
+#include <Ecore.h>
+
 #include <functional>
 
 #include "PlatformState.h"
@@ -31,8 +32,21 @@ protected:
     TempDir _state;
 };
 
-// Runs the Ecore main loop until done() or the time-out; false on time-out.
-bool runMainLoopUntil(const std::function<bool()> &done, double timeout);
+// Runs the Ecore main loop until done() or the time-out; false on time-out. The watchdog
+// makes a missing event a failure rather than a hang.
+inline bool runMainLoopUntil(const std::function<bool()> &done, double timeout) {
+    bool expired = false;
+    auto expire = [](void *data) -> Eina_Bool {
+        *static_cast<bool *>(data) = true;
+        return ECORE_CALLBACK_CANCEL;
+    };
+    Ecore_Timer *watchdog = ecore_timer_add(timeout, expire, &expired);
+    while (!done() && !expired)
+        ecore_main_loop_iterate_may_block(1);
+    if (!expired)
+        ecore_timer_del(watchdog);
+    return done();
+}
 
 }  // namespace simtest
 
