@@ -6,18 +6,14 @@
 #include "SettingsStore.h"
 #include "sim_platform_support.h"
 
-namespace {
+using VconfLoadTest = simtest::StateTest;
 
-int lastValue = -1, calls = 0;
+static int lastValue = -1, calls = 0;
 
-void lastCb(keynode_t *node, void *) {
+static void lastCb(keynode_t *node, void *) {
     ++calls;
     lastValue = vconf_keynode_get_bool(node);
 }
-
-using VconfLoadTest = simtest::StateTest;
-
-}  // namespace
 
 TEST_F(VconfLoadTest, AChangeDroppedByTheKernelStillReachesTheWatcher) {
     ASSERT_EQ(vconf_notify_key_changed("db/load/switch", lastCb, nullptr), VCONF_OK);
@@ -27,11 +23,8 @@ TEST_F(VconfLoadTest, AChangeDroppedByTheKernelStillReachesTheWatcher) {
     sim::SettingsStore store(_state.path());
     std::string error;
     for (int i = 0; i < 8000; ++i)
-        ASSERT_EQ(store.write("db/load/other", sim::SettingValue::ofInt(i), &error),
-                  sim::SettingsStore::Ok)
-            << error;
-    ASSERT_EQ(store.write("db/load/switch", sim::SettingValue::ofBool(true), &error),
-              sim::SettingsStore::Ok);
+        ASSERT_EQ(store.write("db/load/other", sim::SettingValue::ofInt(i), &error), 0) << error;
+    ASSERT_EQ(store.write("db/load/switch", sim::SettingValue::ofBool(true), &error), 0);
     EXPECT_TRUE(simtest::runMainLoopUntil([&] { return lastValue == 1; }, 5.0)) << calls;
     EXPECT_EQ(calls, 1);
     vconf_ignore_key_changed("db/load/switch", lastCb);

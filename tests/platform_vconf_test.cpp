@@ -5,10 +5,8 @@
 #include <vconf.h>
 
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 #include <chrono>
-#include <cstdlib>
 
 #include "SettingsStore.h"
 #include "sim_platform_support.h"

@@ -1,6 +1,6 @@
 # The simulated watch (state store, profiles, usage database, quillset-sim and quillset-simd)
-# and the platform stand-ins backed by it. Every test gets its own state directory.
-# One program for the simulated watch, so that its tests cost one link.
+# in one program, so that its tests cost one link, and the platform stand-ins backed by it.
+# Every test gets its own state directory.
 add_executable(sim_test sim_settings_store_test.cpp sim_profile_test.cpp sim_cli_test.cpp)
 target_link_libraries(sim_test PRIVATE GTest::gtest_main quillset-simstate)
 # The programs are run, and find the shipped profiles, beside the tests.

@@ -5,13 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <sstream>
-#include <tuple>
 #include <thread>
+#include <tuple>
 
 #include "StatePaths.h"
 #include "UsageDb.h"
@@ -45,9 +42,7 @@ protected:
 TEST_F(SimCliTest, RunGivesTheCommandABusWithTheServicesDaemonAndTearsThemDown) {
     CommandResult r = inWatch(
         "echo \"${DBUS_SYSTEM_BUS_ADDRESS%%,*}|$QUILLSET_STATE|$ECORE_NO_SYSTEM_MODULES\"; "
-        "quillset-sim run --fresh -- touch " +
-        _dir / "ran" +
-        "; echo $?; "
+        "quillset-sim run --fresh -- touch $QUILLSET_STATE/../ran; echo $?; "
         "quillset-sim event launch && quillset-sim get db/csc/salescode");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, "unix:path=" + _state + "/bus/system.sock|" + _state + "|1\n2\nXEU\n")
@@ -133,41 +128,44 @@ TEST_F(SimCliTest, EveryRefusalSaysWhyAndLosesNothing) {
     ASSERT_EQ(sim({"set", key, "int", "5"}).status, 0);
     simtest::writeText(_state + "/settings/db/test/corrupt", "int:");
     const std::string notStarted = "\nquillset-sim: the watch was not started";
-    const std::tuple<std::vector<std::string>, int, std::string> cases[] = {
-        {{"run", "--", "sh", "-c", "exit 7"}, 7, ""},
-        {{"run", "--", "sh", "-c", "kill -TERM $$"}, 128 + SIGTERM, ""},
-        {{"run", "--", "no-such-program"}, 127, "cannot run no-such-program"},
-        {{"run"}, 2, "run needs a command after --"},
-        {{"run", "--profile", "cdma", "--", "true"}, 0, "keeps the profile it was seeded with"},
-        {{"run", "--fresh", "--profile", bad, "--", "touch", _dir / "ran"},
-         2,
-         bad + ": line 2, column 24: malformed JSON"},
-        {{"run", "--fresh", "--profile", "no-such-watch", "--", "true"},
-         2,
-         "no profile 'no-such-watch' in " + sim::profilesDir() + " (`quillset-sim profiles`"},
-        {{"run", "--fresh", "--profile", "/no/w.json", "--", "true"},
-         2,
-         "open(/no/w.json): No such file or directory" + notStarted},
-        {{"run", "--state", _dir / "odd", "--profile", odd, "--", "true"},
-         0,
-         "warning: " + odd + ": colour: unknown key"},
-        {{"event", "launch"},
-         1,
-         "the watch's bus is not reachable at unix:path=" + _state + "/bus/system.sock"},
-        {{"--state", _dir / "nowhere", "get", "x"}, 1, "no watch at " + _dir / "nowhere"},
-        {{"get", "db/test/none"}, 1, "no setting db/test/none"},
-        {{"get", "db/test/corrupt"}, 1, "corrupt value"},
-        {{"set", key, "int", "12x"}, 1, "not '12x'; nothing was written"},
-        {{"set", key, "int", "2147483648"}, 1, "nothing was written"},
-        {{"set", key, "bool", "yes"}, 1, "nothing was written"},
-        {{"set", key, "double", "nan"}, 1, "nothing was written"},
-        {{"set", key, "double", "0x1p3"}, 1, "nothing was written"},
-        {{"set", key, "colour", "red"}, 1, "unknown type 'colour' (bool, int, double or string)"},
-        {{"set", "../key", "int", "1"}, 1, "invalid key '../key'"},
-        {{"set", key, "int"}, 2, "set takes KEY TYPE VALUE"},
-        {{"event", "language", "de_de"}, 1, "'de_de' is not a language such as de"},
+    const std::tuple<int, std::string, std::vector<std::string>> cases[] = {
+        {7, "", {"run", "--", "sh", "-c", "exit 7"}},
+        {128 + SIGTERM, "", {"run", "--", "sh", "-c", "kill -TERM $$"}},
+        {127, "cannot run no-such-program", {"run", "--", "no-such-program"}},
+        {2, "run needs a command after --", {"run"}},
+        {0, "keeps the profile it was seeded with", {"run", "--profile", "cdma", "--", "true"}},
+        {2,
+         bad + ": line 2, column 24: malformed JSON",
+         {"run", "--fresh", "--profile", bad, "--", "touch", _dir / "ran"}},
+        {2,
+         "no profile 'no-such-watch' in " + sim::profilesDir() + " (`quillset-sim profiles`",
+         {"run", "--fresh", "--profile", "no-such-watch", "--", "true"}},
+        {2,
+         "open(/no/w.json): No such file or directory" + notStarted,
+         {"run", "--fresh", "--profile", "/no/w.json", "--", "true"}},
+        {1,
+         "mkdir(" + bad + "): Not a directory",
+         {"run", "--state", bad + "/watch", "--", "true"}},
+        {0,
+         "warning: " + odd + ": colour: unknown key",
+         {"run", "--state", _dir / "odd", "--profile", odd, "--", "true"}},
+        {1,
+         "the watch's bus is not reachable at unix:path=" + _state + "/bus/system.sock",
+         {"event", "launch"}},
+        {1, "no watch at " + _dir / "nowhere", {"--state", _dir / "nowhere", "get", "x"}},
+        {1, "no setting db/test/none", {"get", "db/test/none"}},
+        {1, "corrupt value", {"get", "db/test/corrupt"}},
+        {1, "not '12x'; nothing was written", {"set", key, "int", "12x"}},
+        {1, "nothing was written", {"set", key, "int", "2147483648"}},
+        {1, "nothing was written", {"set", key, "bool", "yes"}},
+        {1, "nothing was written", {"set", key, "double", "nan"}},
+        {1, "nothing was written", {"set", key, "double", "0x1p3"}},
+        {1, "unknown type 'colour' (bool, int, double or string)", {"set", key, "colour", "red"}},
+        {1, "invalid key '../key'", {"set", "../key", "int", "1"}},
+        {2, "set takes KEY TYPE VALUE", {"set", key, "int"}},
+        {1, "'de_de' is not a language such as de", {"event", "language", "de_de"}},
     };
-    for (const auto &[args, status, message] : cases) {  // exit status, part of the message
+    for (const auto &[status, message, args] : cases) {  // exit status, part of the message
         CommandResult r = sim(args);
         EXPECT_EQ(r.status, status) << args.back();
         EXPECT_TRUE(contains(r.err, message)) << r.err;
