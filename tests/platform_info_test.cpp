@@ -93,10 +93,6 @@ TEST_F(PlatformInfoTest, KeysAnswerFromTheirOwnNamespaceWithTheirOwnType) {
     }
     EXPECT_TRUE(simtest::contains(platformLog(), "W/SYSTEM_INFO("))
         << "a profile value of the wrong type is pointed out";
-    int ret = 0;
-    useProfile("{}");
-    EXPECT_EQ(ask(false, 's', p + "system/model_name", &ret), "(null)");
-    EXPECT_EQ(ret, kUnsupported) << "a profile without system information supports nothing";
 }
 
 TEST_F(PlatformInfoTest, PackagesApprovalVersionAndSharedResourcesComeFromTheProfile) {

@@ -51,16 +51,11 @@ inline bool contains(const std::string &text, const std::string &part) {
     return text.find(part) != std::string::npos;
 }
 
-// The build's programs, beside the tests.
-inline std::string program(const std::string &name) {
-    return sim::executableDir() + "/" + name;
-}
-
-// Starts a program with stdout and stderr going to the given files. The child never sees the
-// test's bus or watch unless env gives them.
-inline pid_t start(const std::vector<std::string> &argv,
-                   const std::map<std::string, std::string> &env, const std::string &outFile,
-                   const std::string &errFile) {
+// Starts quillset-sim ARGS... from the build beside the tests, with stdout and stderr going to
+// the given files. It never sees the test's bus or watch unless env gives them.
+inline pid_t startSim(const std::vector<std::string> &args,
+                      const std::map<std::string, std::string> &env, const std::string &outFile,
+                      const std::string &errFile) {
     pid_t pid = fork();
     if (pid != 0)
         return pid;
@@ -72,12 +67,13 @@ inline pid_t start(const std::vector<std::string> &argv,
         err = creat(errFile.c_str(), 0644);
     if (in < 0 || out < 0 || err < 0 || dup2(in, 0) < 0 || dup2(out, 1) < 0 || dup2(err, 2) < 0)
         _exit(126);
-    std::vector<char *> args;
-    for (const std::string &arg : argv)
-        args.push_back(const_cast<char *>(arg.c_str()));
-    args.push_back(nullptr);
-    execvp(args[0], args.data());
-    fprintf(stderr, "cannot run %s: %s\n", args[0], strerror(errno));
+    std::string path = sim::executableDir() + "/quillset-sim";
+    std::vector<char *> argv = {path.data()};
+    for (const std::string &arg : args)
+        argv.push_back(const_cast<char *>(arg.c_str()));
+    argv.push_back(nullptr);
+    execv(argv[0], argv.data());
+    fprintf(stderr, "cannot run %s: %s\n", argv[0], strerror(errno));
     _exit(127);
 }
 
@@ -87,13 +83,13 @@ struct CommandResult {
     std::string err;
 };
 
-// Runs a program as start() does and waits for it.
-inline CommandResult run(const std::vector<std::string> &argv,
-                         const std::map<std::string, std::string> &env = {}) {
+// Runs quillset-sim ARGS... as startSim() does and waits for it.
+inline CommandResult quillsetSim(const std::vector<std::string> &args,
+                                 const std::map<std::string, std::string> &env = {}) {
     TempDir output;
     CommandResult result;
     int status = 0;
-    pid_t pid = start(argv, env, output / "out", output / "err");
+    pid_t pid = startSim(args, env, output / "out", output / "err");
     while (waitpid(pid, &status, 0) < 0)
         if (errno != EINTR)
             return result;
@@ -101,12 +97,6 @@ inline CommandResult run(const std::vector<std::string> &argv,
     result.out = readText(output / "out");
     result.err = readText(output / "err");
     return result;
-}
-
-inline CommandResult quillsetSim(std::vector<std::string> args,
-                                 const std::map<std::string, std::string> &env = {}) {
-    args.insert(args.begin(), program("quillset-sim"));
-    return run(args, env);
 }
 
 }  // namespace simtest
