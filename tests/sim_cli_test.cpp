@@ -202,7 +202,8 @@ TEST_F(SimCliTest, UsageFromSeveralWritersAtOnceIsListedAsJsonLines) {
         for (std::string line; std::getline(lines, line);) {
             nlohmann::json row = nlohmann::json::parse(line);
             EXPECT_GT(row["time"].get<double>(), 1.6e9) << "seconds since the epoch";
-            listed = row["id"] == 300 ? "" : listed + (row.erase("time"), row.dump()) + "\n";
+            if (row["id"] == 301 || command == std::string("launches"))
+                listed += (row.erase("time"), row.dump()) + "\n";
         }
     }
     // No row is lost; empty fields are left out; extra data shows as the object it is.
