@@ -92,35 +92,27 @@ TEST_F(AppAssistTest, PushAndPopPagesAndReturnToTheOneBelow) {
     EXPECT_EQ(events.log, (std::vector<std::string>{"pushed main", "pushed sub", "top main"}));
 }
 
-TEST_F(AppAssistTest, PoppingTheLastPageAsksTheHandler) {
-    WNaviframeController *naviframe = makeNaviframe();
-    naviframe->push(new Page(events, "main"));
-    int asked = 0;
-    naviframe->setOnLastItemPop([&](bool *popOut) {
-        ++asked;
-        *popOut = false;
-    });
-    EXPECT_FALSE(naviframe->pop());
-    EXPECT_EQ(asked, 1);
-    EXPECT_EQ(naviframe->getViews().size(), 1u);
-
-    naviframe->setOnLastItemPop([&](bool *popOut) { *popOut = true; });
-    EXPECT_TRUE(naviframe->pop());
-    settle();
-    EXPECT_EQ(events.destroyed, 1);
-}
-
-TEST_F(AppAssistTest, BackKeyPopsThePageAndThenAsksForTheLastOne) {
+TEST_F(AppAssistTest, BackPopsThePageAndTheLastPopAsksTheHandler) {
     WNaviframeController *naviframe = makeNaviframe();
     naviframe->push(new Page(events, "main"));
     naviframe->push(new Page(events, "sub"));
-    int lastPops = 0;
-    naviframe->setOnLastItemPop([&](bool *) { ++lastPops; });
+    bool allow = false;
+    int asked = 0;
+    naviframe->setOnLastItemPop([&](bool *popOut) {
+        ++asked;
+        *popOut = allow;
+    });
     settle();
     pressKey("Escape");
     EXPECT_EQ(naviframe->getViews().size(), 1u);
     pressKey("Escape");
-    EXPECT_EQ(lastPops, 1);
+    EXPECT_FALSE(naviframe->pop());
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(naviframe->getViews().size(), 1u);
+    allow = true;
+    EXPECT_TRUE(naviframe->pop());
+    settle();
+    EXPECT_EQ(events.destroyed, 2);
 }
 
 TEST_F(AppAssistTest, PopupButtonClosesOnlyWhenItsHandlerSaysSo) {
@@ -187,12 +179,17 @@ TEST_F(AppAssistTest, BackKeyClosesThePopupBeforeThePage) {
     EXPECT_EQ(page->getPopup(), sticky);
 }
 
-TEST_F(AppAssistTest, PopupContentBuilderGetsThePopupAsParent) {
-    WNaviframeController *naviframe = makeNaviframe();
+TEST_F(AppAssistTest, PopupContentIsBuiltOnThePopupAndGoesWithThePage) {
     auto *page = new Page(events, "main");
-    naviframe->push(page);
+    ASSERT_TRUE(page->create(_win, nullptr));
+    int destructed = 0;
+    struct CountedPopup : WPopupController {
+        int &count;
+        explicit CountedPopup(int &c) : count(c) {}
+        ~CountedPopup() override { ++count; }
+    };
+    auto *popup = new CountedPopup(destructed);
     Evas_Object *parentSeen = nullptr;
-    auto *popup = new WPopupController();
     popup->setContent([&](Evas_Object *parent) {
         parentSeen = parent;
         return elm_label_add(parent);
@@ -204,18 +201,6 @@ TEST_F(AppAssistTest, PopupContentBuilderGetsThePopupAsParent) {
     EXPECT_EQ(parentSeen, popup->getEvasObject());
     EXPECT_NE(popup->getContentObject(), nullptr);
     EXPECT_TRUE(propertiesSet);
-}
-
-TEST_F(AppAssistTest, DeletingThePageDeletesItsPopupController) {
-    auto *page = new Page(events, "main");
-    ASSERT_TRUE(page->create(_win, nullptr));
-    int destructed = 0;
-    struct CountedPopup : WPopupController {
-        int &count;
-        explicit CountedPopup(int &c) : count(c) {}
-        ~CountedPopup() override { ++count; }
-    };
-    page->attachPopup(new CountedPopup(destructed));
     page->destroy();
     settle();
     EXPECT_EQ(destructed, 1);

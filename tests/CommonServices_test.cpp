@@ -22,11 +22,6 @@
 
 namespace {
 
-void writeProfile(const std::string &json) {
-    std::ofstream(EflTestEnvironment::stateDir() + "/profile.json") << json;
-    platform::reloadProfile();
-}
-
 std::vector<nlohmann::json> rows(bool journal) {
     sim::UsageDb db;
     std::string error;
@@ -53,6 +48,13 @@ std::vector<std::string> statusRecords() {
                       row.value("value", "-") +
                       (row.value("app_id", "") == "com.nerova.quillset" ? "" : " (watch face)"));
     }
+    return out;
+}
+
+std::string joined(const std::vector<std::string> &records) {
+    std::string out;
+    for (const std::string &record : records)
+        out += record + "|";
     return out;
 }
 
@@ -138,13 +140,24 @@ TEST_F(CommonServicesTest, RefusedLaunchIsLoggedAndNeverTerminated) {
 }
 
 TEST_F(CommonServicesTest, DeletingTheBlockedListCancelsTheTimeOut) {
+    // The launcher's time-out is the loop's only timer of 5 s.
+    auto timeOuts = [] {
+        int n = 0;
+        Eina_Iterator *children = efl_children_iterator_new(efl_main_loop_get());
+        Eo *child;
+        EINA_ITERATOR_FOREACH(children, child) {
+            n += efl_isa(child, EFL_LOOP_TIMER_CLASS) && ecore_timer_interval_get(child) == 5.0;
+        }
+        eina_iterator_free(children);
+        return n;
+    };
     Evas_Object *list = elm_genlist_add(_win);
     StAppControlLauncher *launcher = StAppControlLauncher::getInstance();
-    launcher->sendLaunchRequest(request("app.one"), nullptr, nullptr, list, 0.1);
+    launcher->sendLaunchRequest(request("app.one"), nullptr, nullptr, list, 5.0);
+    ASSERT_EQ(timeOuts(), 1);
     evas_object_del(list);
-    settle(0.2);  // the time-out must not reach the deleted list
+    EXPECT_EQ(timeOuts(), 0);
     EXPECT_FALSE(launcher->isUiBlocked());
-    launcher->unblockUi();
 }
 
 TEST_F(CommonServicesTest, StatusReportFollowsTheWatchSettings) {
@@ -161,13 +174,10 @@ TEST_F(CommonServicesTest, StatusReportFollowsTheWatchSettings) {
                   "/opt/usr/data/settings/Ringtones/Dawn.ogg");
     vconf_set_int("db/setting/watch_order_setting", 2);
     StLogManager::getInstance()->logStatusAll();
-    std::vector<std::string> records = statusRecords();
-    std::vector<std::string> expected = {
-        "S004 10 -",   "ST30 15 -",        "ST31 - 0",    "ST41 - 0", "S032 - 0",
-        "ST50 Dawn -", "ST51 Mute -",      "ST61 - 0",    "ST62 - 0", "ST65 - 0",
-        "ST66 - 0",    "S002 - 0",         "S007 - -",    "S014 - 0", "S015 sort by custom -",
-        "S121 - 1000", "S122 - WiFi only", "S016 - 1000", "S036 - 0", "S036 - Custom (watch face)"};
-    EXPECT_EQ(records, expected);
+    EXPECT_EQ(joined(statusRecords()),
+              "S004 10 -|ST30 15 -|ST31 - 0|ST41 - 0|S032 - 0|ST50 Dawn -|ST51 Mute -|ST61 - 0|"
+              "ST62 - 0|ST65 - 0|ST66 - 0|S002 - 0|S007 - -|S014 - 0|S015 sort by custom -|"
+              "S121 - 1000|S122 - WiFi only|S016 - 1000|S036 - 0|S036 - Custom (watch face)|");
 }
 
 TEST_F(CommonServicesTest, StatusReportOfAWatchWhoseReadsAllFailSaysOffAndSkipsTexts) {
@@ -181,26 +191,11 @@ TEST_F(CommonServicesTest, StatusReportOfAWatchWhoseReadsAllFailSaysOffAndSkipsT
     vconf_set_str("db/setting/sound/call/ringtone_path",
                   "/opt/usr/data/settings/Ringtones/Dawn.ogg");
     StLogManager::getInstance()->logStatusAll();
-    std::vector<std::string> expected = {"S004 1 -",
-                                         "ST30 0 -",
-                                         "ST31 - 0",
-                                         "ST41 - 0",
-                                         "S032 - 0",
-                                         "ST51 Mute -",
-                                         "ST61 - 0",
-                                         "ST62 - 0",
-                                         "ST65 - 0",
-                                         "ST66 - 0",
-                                         "S002 - 0",
-                                         "S000 - 0",
-                                         "S007 - -",
-                                         "S014 - 0",
-                                         "S015 sort by custom -",
-                                         "S121 - 0",
-                                         "S016 - 0",
-                                         "S036 - 0",
-                                         "S036 - Most recent first (watch face)"};
-    EXPECT_EQ(statusRecords(), expected);
+    std::string expected =
+        "S004 1 -|ST30 0 -|ST31 - 0|ST41 - 0|S032 - 0|ST51 Mute -|ST61 - 0|ST62 - 0|ST65 - 0|"
+        "ST66 - 0|S002 - 0|S000 - 0|S007 - -|S014 - 0|S015 sort by custom -|S121 - 0|S016 - 0|"
+        "S036 - 0|S036 - Most recent first (watch face)|";
+    EXPECT_EQ(joined(statusRecords()), expected);
 
     // Without the settings store's strings too, the ringtone row goes the same way.
     writeProfile(R"({"faults": [{"call": "vconf_get_str", "code": -1},
@@ -240,12 +235,17 @@ TEST_F(CommonServicesTest, BrightnessLevelsAndSkippedRecords) {
     }
 }
 
-TEST_F(CommonServicesTest, UsageRecordsNeedAFeature) {
-    StLogManager::getInstance()->log(ST_LOG_URI_FEATURE_SURVEY, nullptr, nullptr, nullptr);
+TEST_F(CommonServicesTest, UsageRecordsNeedAFeatureAndALateLogServiceLosesNoLaterOne) {
+    // The log service is not up yet when the first record is sent.
+    writeProfile(R"({"faults": [{"call": "nerova_log_manager_create", "code": -5}]})");
     StLogManager::getInstance()->log(ST_LOG_URI_FEATURE_SURVEY, "S003", nullptr, nullptr);
+    EXPECT_TRUE(rows(false).empty());
+    writeProfile("{}");
+    StLogManager::getInstance()->log(ST_LOG_URI_FEATURE_SURVEY, nullptr, nullptr, nullptr);
+    StLogManager::getInstance()->log(ST_LOG_URI_FEATURE_SURVEY, "S516", nullptr, nullptr);
     auto usage = rows(false);
     ASSERT_EQ(usage.size(), 1u);
-    EXPECT_EQ(usage[0]["feature"], "S003");
+    EXPECT_EQ(usage[0]["feature"], "S516");
     EXPECT_FALSE(usage[0].contains("extra"));
 }
 

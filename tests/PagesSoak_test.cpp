@@ -100,6 +100,11 @@ protected:
 
 }  // namespace
 
+template <typename Page>
+app_assist::WViewController *make() {
+    return new Page();
+}
+
 TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
     const int cycles = fullSoak() ? 500 : kMemoryComparable ? 20 : 4;
     const int warmUp = kMemoryComparable ? 10 : 2;
@@ -108,37 +113,15 @@ TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
     settle(0.1);
 
     typedef app_assist::WViewController *(*Page)();
-    const std::vector<std::pair<const char *, Page>> pages = {
-        {"status",
-         [] {
-             return static_cast<app_assist::WViewController *>(new StInfoStatusViewController());
-         }},
-        {"software",
-         [] { return static_cast<app_assist::WViewController *>(new StInfoSwViewController()); }},
-        {"security platform",
-         [] {
-             return static_cast<app_assist::WViewController *>(new StInfoTessidViewController());
-         }},
-        {"battery",
-         [] {
-             return static_cast<app_assist::WViewController *>(new StInfoBatteryViewController());
-         }},
-        {"regulatory",
-         [] {
-             return static_cast<app_assist::WViewController *>(
-                 new StInfoRegulatoryInfoViewController());
-         }},
-        {"licences",
-         [] {
-             return static_cast<app_assist::WViewController *>(
-                 new StInfoOpenSrcLicenseViewController());
-         }},
-    };
+    const std::vector<Page> pages = {
+        make<StInfoStatusViewController>,         make<StInfoSwViewController>,
+        make<StInfoTessidViewController>,         make<StInfoBatteryViewController>,
+        make<StInfoRegulatoryInfoViewController>, make<StInfoOpenSrcLicenseViewController>};
     // Runs the cycles from the main loop, as a person's taps would: each push or pop starts
     // when the previous transition has finished.
     struct Cycler {
         WNaviframeController *naviframe;
-        const std::vector<std::pair<const char *, Page>> *pages;
+        const std::vector<Page> *pages;
         int cyclesLeft = 0;
         size_t page = 0;
         bool pushed = false;
@@ -165,8 +148,7 @@ TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
                 }
             }
             self->pushed = true;
-            self->failed =
-                self->failed || !self->naviframe->push((*self->pages)[self->page].second());
+            self->failed = self->failed || !self->naviframe->push((*self->pages)[self->page]());
         }
         Ecore_Timer *watchdog = nullptr;
         static Eina_Bool timeOut(void *data) {

@@ -15,19 +15,6 @@
 #include "StSubTextDecorationItem.h"
 #include "support/EflTestEnvironment.h"
 
-namespace {
-
-std::string textOf(Elm_Object_Item *item, const char *part) {
-    const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
-    char *text =
-        itc->func.text_get(elm_object_item_data_get(item), elm_object_item_widget_get(item), part);
-    std::string out = text ? text : "(none)";
-    free(text);
-    return out;
-}
-
-}  // namespace
-
 class RowsTest : public EflTest {
 protected:
     void SetUp() override {
@@ -131,18 +118,19 @@ TEST_F(RowsTest, SwitchRowFollowsTheSettingAndSpeaksItsState) {
     EXPECT_EQ(textOf(item, "elm.text.1"), "(none)");
 }
 
-TEST_F(RowsTest, SwitchStateChangeWithoutAVisibleSwitchIsHarmless) {
+TEST_F(RowsTest, RowsNotYetOnScreenIgnoreUpdatesQuietly) {
+    ASSERT_EQ(vconf_set_bool("db/setting/debug_mode", 0), VCONF_OK);
+    testing::internal::CaptureStderr();
     auto *row = new StInfoUSBDebugItem();
-    row->setCheckState(true);  // never realised
+    row->setCheckState(true);  // no switch yet
+    StSubTextDecorationItem bare;
+    bare.decorate();  // no list item yet
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(logSinceStart(), "");
+    // Once shown, the switch shows the setting.
     Elm_Object_Item *item = append(row);
     settle();
-    elm_genlist_clear(_list);
-    EXPECT_EQ(elm_genlist_items_count(_list), 0u);
-    (void)item;
-}
-
-TEST_F(RowsTest, SubTextDecorationWithoutItsItemDoesNothing) {
-    StSubTextDecorationItem row;
-    row.decorate();
-    EXPECT_EQ(row.getElmObjectItem(), nullptr);
+    Evas_Object *check = elm_object_item_part_content_get(item, "elm.swallow.icon");
+    ASSERT_NE(check, nullptr);
+    EXPECT_FALSE(elm_check_state_get(check));
 }

@@ -1,6 +1,6 @@
-// The settings store under load: another process toggling the debugging key while the About
-// list is open, and writers killed in the middle of their writes. `make test` runs a short
-// version of each; `make soak` (QUILLSET_SOAK=1) the full one and prints what it measured.
+// The settings store under load: another process toggling, then deleting, the debugging key
+// while the About list is open, and writers killed in the middle of their writes. `make test` runs
+// a short version of each; `make soak` (QUILLSET_SOAK=1) the full one and prints what it measured.
 
 #include <gtest/gtest.h>
 
@@ -63,6 +63,15 @@ TEST(Soak, SwitchShowsTheFinalValueAfterAnotherProcessTogglesIt) {
                 break;
         }
         EXPECT_EQ(rowWithLabel(after, label)["check"], true);
+        // Deleted, the key reads as off, and a tap asks before turning debugging on.
+        ASSERT_EQ(store.remove(key, &error), sim::SettingsStore::Ok) << error;
+        for (int look = 0; look < 10 && rowWithLabel(after, label)["check"] != false; ++look) {
+            watch.send("wait 300\ndump\n");
+            after = watch.nextDump();
+        }
+        EXPECT_EQ(rowWithLabel(after, label)["check"], false);
+        watch.send("tap WDS_ST_MBODY_DEBUGGING_ABB\ndump\n");
+        EXPECT_TRUE(watch.nextDump()["popup"].is_object());
         watch.send("quit\n");
         EXPECT_EQ(watch.finish(), 0);
         printf("toggles: %d writes of %s by another process; the switch shows %s\n", toggles,

@@ -58,8 +58,9 @@ TEST_F(StInfoTextUtilsTest, PhoneNumbersAreFormattedForTheRegion) {
     // Twelve characters: only an international number is formatted.
     EXPECT_EQ(formatPhoneNumber("447700900123"), "447700900123");
     EXPECT_EQ(formatPhoneNumber("+447700900123"), "+44 7700 900123");
-    // Seventeen characters are never formatted.
-    EXPECT_EQ(formatPhoneNumber("+4477009001234567"), "+4477009001234567");
+    // Sixteen characters with the "+" are the longest formatted; seventeen never are.
+    EXPECT_EQ(formatPhoneNumber("+496912345678901"), "+49 69 12345678901");
+    EXPECT_EQ(formatPhoneNumber("+4969123456789012"), "+4969123456789012");
 }
 
 TEST_F(StInfoTextUtilsTest, SomeRegionsKeepNumbersAsGiven) {

@@ -10,9 +10,10 @@ quillset_platform_test(platform_vconf_load_test platform_vconf_load_test.cpp)
 
 # Bad input end to end.
 quillset_e2e_test(bad_input_e2e_test BadInput_e2e_test.cpp TIMEOUT 180)
-target_sources(bad_input_e2e_test PRIVATE support/DrivenWatch.cpp)
 
 # Security end to end.
 quillset_e2e_test(security_e2e_test Security_e2e_test.cpp TIMEOUT 180)
-find_package(Threads REQUIRED)
-target_link_libraries(security_e2e_test PRIVATE PkgConfig::DBUS Threads::Threads)
+# The watch's files and bus against other users, with find and dbus-send.
+add_test(NAME state_is_closed_to_other_users
+         COMMAND ${CMAKE_SOURCE_DIR}/tests/state_security_test.sh ${CMAKE_BINARY_DIR})
+set_tests_properties(state_is_closed_to_other_users PROPERTIES TIMEOUT 120)

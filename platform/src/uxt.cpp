@@ -207,8 +207,10 @@ bool uxt_theme_get_color(const char *code, int *r, int *g, int *b, int *a) {
 
 void uxt_theme_object_item_replace_color(Elm_Object_Item *item, const char *color_class,
                                          const char *code) {
-    if (!item || !color_class || !code)
+    if (!item || !color_class || !code) {
+        dlog_print(DLOG_ERROR, kTag, "%s: no item, colour class or code", __func__);
         return;
+    }
     int r, g, b, a;
     if (!uxt_theme_get_color(code, &r, &g, &b, &a)) {
         dlog_print(DLOG_WARN, kTag, "colour %s is not in the current table", code);

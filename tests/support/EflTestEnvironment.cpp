@@ -111,6 +111,20 @@ void EflTestEnvironment::seedShippedProfile(const char *name) {
     platform::reloadProfile();
 }
 
+void EflTest::writeProfile(const std::string &json) {
+    std::ofstream(g_stateDir + "/profile.json") << json;
+    platform::reloadProfile();
+}
+
+std::string EflTest::textOf(Elm_Object_Item *item, const char *part) {
+    const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
+    char *text =
+        itc->func.text_get(elm_object_item_data_get(item), elm_object_item_widget_get(item), part);
+    std::string out = text ? text : "(none)";
+    free(text);
+    return out;
+}
+
 app_assist::WNaviframeController *EflTest::makeNaviframe() {
     auto *naviframe = new app_assist::WNaviframeController();
     EXPECT_TRUE(naviframe->create(_win, nullptr));

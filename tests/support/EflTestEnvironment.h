@@ -33,6 +33,10 @@ protected:
     void settle(double seconds = 0.05);
     // Lines of the platform log written since this test started.
     std::string logSinceStart() const;
+    // Replaces the watch's device profile and has the platform read it.
+    static void writeProfile(const std::string &json);
+    // A row's text for the part as its list asks for it; "(none)" when it has none.
+    static std::string textOf(Elm_Object_Item *item, const char *part);
     // A naviframe filling the window, shown, for pages to be pushed on.
     app_assist::WNaviframeController *makeNaviframe();
     // Touches the centre of a genlist row as a person would.

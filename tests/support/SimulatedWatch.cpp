@@ -8,6 +8,9 @@
 #include <fstream>
 #include <sstream>
 
+#include <gtest/gtest.h>
+
+#include "Profile.h"
 #include "StatePaths.h"
 
 namespace {
@@ -79,10 +82,10 @@ SimulatedWatch::Result SimulatedWatch::drive(const std::string &script,
     std::ofstream(scriptPath) << script;
     std::string out = _state + "-out.txt", err = _state + "-err.txt";
     // The watch keeps no bus in the environment of the test itself.
-    std::string cmd =
-        "env -u DBUS_SYSTEM_BUS_ADDRESS -u QUILLSET_STATE " + quote(binDir() + "/quillset-sim") +
-        " run --profile " + quote(_profile) + " --state " + quote(_state) + " -- env " + driverEnv +
-        " quillset-drive <" + quote(scriptPath) + " >" + quote(out) + " 2>" + quote(err);
+    std::string cmd = "env -u DBUS_SYSTEM_BUS_ADDRESS -u QUILLSET_STATE " +
+                      quote(binDir() + "/quillset-sim") + " run --profile " + quote(_profile) +
+                      " --state " + quote(_state) + " -- env " + driverEnv + " quillset-drive <" +
+                      quote(scriptPath) + " >" + quote(out) + " 2>" + quote(err);
     Result result;
     int status = system(cmd.c_str());
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -113,6 +116,13 @@ std::vector<nlohmann::json> SimulatedWatch::usage() {
 
 std::vector<nlohmann::json> SimulatedWatch::launches() {
     return jsonLines(sim("launches"));
+}
+
+void SimulatedWatch::seed() {
+    sim::Profile profile;
+    std::string error;
+    ASSERT_TRUE(profile.load(sim::Profile::resolve(_profile, sim::profilesDir()), &error)) << error;
+    ASSERT_TRUE(profile.seed(_state, &error)) << error;
 }
 
 std::string SimulatedWatch::platformLog() {

@@ -30,6 +30,9 @@ public:
     std::vector<nlohmann::json> launches();
     std::string platformLog();
     const std::string &stateDir() const { return _state; }
+    // Seeds the state directory from the profile, as the watch's first start would, so that a
+    // test can change it before the application runs; a failure fails the calling test.
+    void seed();
 
     static std::string binDir();
 
