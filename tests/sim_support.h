@@ -16,7 +16,7 @@
 
 #include "StatePaths.h"
 
-// Helpers for the tests of the simulated watch and the platform stand-ins.
+// What the tests of the simulated watch and the platform stand-ins share.
 namespace simtest {
 
 // A fresh directory under /tmp, removed with everything in it at the end.
