@@ -1,36 +1,23 @@
 # The simulated watch (state store, profiles, usage database, quillset-sim and quillset-simd)
-# and the platform stand-ins backed by it. Every test gets its own state directory.
-add_library(quillset-sim-test-support STATIC sim_support.cpp)
-target_link_libraries(quillset-sim-test-support PUBLIC GTest::gtest quillset-simstate)
-
-function(quillset_sim_test name)
-    add_executable(${name} ${ARGN})
-    target_link_libraries(${name} PRIVATE quillset-sim-test-support GTest::gtest_main)
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 30 PROPERTIES TIMEOUT 120)
-endfunction()
-
-quillset_sim_test(sim_settings_store_test sim_settings_store_test.cpp)
-quillset_sim_test(sim_profile_test sim_profile_test.cpp)
-quillset_sim_test(sim_usage_db_test sim_usage_db_test.cpp)
-target_link_libraries(sim_usage_db_test PRIVATE PkgConfig::SQLITE)
-quillset_sim_test(sim_cli_test sim_cli_test.cpp)
-add_dependencies(sim_cli_test quillset-sim quillset-simd quillset-profiles)
-# The shipped profiles are checked where the programs find them.
-add_dependencies(sim_profile_test quillset-profiles)
+# in one program, so that its tests cost one link, and the platform stand-ins backed by it.
+# Every test gets its own state directory.
+add_executable(sim_test sim_settings_store_test.cpp sim_profile_test.cpp sim_cli_test.cpp)
+target_link_libraries(sim_test PRIVATE GTest::gtest_main quillset-simstate)
+# The programs are run, and find the shipped profiles, beside the tests.
+add_dependencies(sim_test quillset-sim quillset-simd quillset-profiles)
+gtest_discover_tests(sim_test DISCOVERY_TIMEOUT 30 PROPERTIES TIMEOUT 120)
 
 # Stand-ins run with Ecore initialised by the main() of sim_platform_support.cpp.
 function(quillset_platform_test name)
     add_executable(${name} ${ARGN} sim_platform_support.cpp)
-    target_link_libraries(${name} PRIVATE quillset-sim-test-support quillset-platform)
+    target_link_libraries(${name} PRIVATE GTest::gtest quillset-simstate quillset-platform)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/platform/src)
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 30 PROPERTIES TIMEOUT 120)
 endfunction()
 
 quillset_platform_test(platform_vconf_test platform_vconf_test.cpp)
 add_dependencies(platform_vconf_test quillset-sim)
-quillset_platform_test(platform_system_info_test platform_system_info_test.cpp)
-quillset_platform_test(platform_app_manager_test platform_app_manager_test.cpp)
-quillset_platform_test(platform_dlog_test platform_dlog_test.cpp)
+quillset_platform_test(platform_info_test platform_info_test.cpp)
 
 # The documented profile schema against quillset-sim's own checks (Debian's python3-jsonschema).
 find_program(QUILLSET_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)

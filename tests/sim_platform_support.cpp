@@ -1,54 +1,5 @@
 #include "sim_platform_support.h"
 
-#include <Ecore.h>
-
-#include <cstdlib>
-
-#include "PlatformState.h"
-
-namespace simtest {
-
-void StateTest::SetUp() {
-    setenv("QUILLSET_STATE", _state.path().c_str(), 1);
-    unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
-    useProfile("{}");
-}
-
-void StateTest::TearDown() {
-    platform::reloadProfile();
-}
-
-void StateTest::useProfile(const std::string &json) {
-    writeText(_state / "profile.json", json);
-    platform::reloadProfile();
-}
-
-std::string StateTest::platformLog() const {
-    return readText(_state / "platform.log");
-}
-
-namespace {
-
-Eina_Bool watchdogCb(void *data) {
-    *static_cast<bool *>(data) = true;
-    return ECORE_CALLBACK_CANCEL;
-}
-
-}  // namespace
-
-bool runMainLoopUntil(const std::function<bool()> &done, double timeout) {
-    // The watchdog makes a missing event a failure rather than a hang.
-    bool expired = false;
-    Ecore_Timer *watchdog = ecore_timer_add(timeout, watchdogCb, &expired);
-    while (!done() && !expired)
-        ecore_main_loop_iterate_may_block(1);
-    if (!expired)
-        ecore_timer_del(watchdog);
-    return done();
-}
-
-}  // namespace simtest
-
 int main(int argc, char **argv) {
     ::testing::InitGoogleTest(&argc, argv);
     // No system bus here: the toolkit's system modules would only complain about it.
