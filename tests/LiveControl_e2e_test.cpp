@@ -1,9 +1,9 @@
-// Controlling a running watch from a second terminal: every kind of change quillset-sim can
-// make reaches the open screen without a restart. Each change comes from another process.
+// Controlling a running watch from a second terminal: settings, policy, language and launch
+// events reach the open About list without a restart. Each change comes from another process.
+// (The SIM and eSIM events are sent to the open status page in its own tests.)
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -26,17 +26,10 @@ int indexOf(const json &dump, const std::string &label) {
     return row.is_null() ? -1 : row.at("index").get<int>();
 }
 
-std::string valueOf(const json &dump, int index) {
-    json row = rowAt(dump, index);
-    return row.is_null() ? "(no row)" : row["texts"].value("elm.text.1", "");
-}
-
 }  // namespace
 
 TEST(LiveControlE2E, EveryControlChangesTheOpenScreen) {
     SimulatedWatch watch("default");
-    std::string profiles = watch.stateDir() + "/profiles.json";
-    std::ofstream(profiles) << R"([{"name": "Roam Away", "kind": 2, "state": 1}])";
     // After each step: what the rows say, and a picture of what the screen shows.
     const std::vector<std::string> steps = {
         "bezel 7",  // both switches in view
@@ -45,9 +38,6 @@ TEST(LiveControlE2E, EveryControlChangesTheOpenScreen) {
         "sim event policy usb-debugging 1",
         "sim event language de",
         "sim event launch\nwait 200",
-        "bezel -7\ntap WDS_ST_TMBODY_DEVICE_INFORMATION\nwait 1700\nbezel 1",
-        "sim event sim-refresh --msisdn +447700900999\nwait 1700",
-        "sim event esim 1 2 --profiles " + profiles + "\nwait 1700",
     };
     std::string script;
     std::vector<std::string> shots;
@@ -89,17 +79,4 @@ TEST(LiveControlE2E, EveryControlChangesTheOpenScreen) {
     EXPECT_EQ(d[5]["depth"], 1);
     EXPECT_EQ(d[5]["items"], d[4]["items"]);
     EXPECT_FALSE(changedOnScreen(5));
-
-    // On the status page, a SIM refresh brings the new number and an eSIM event the new
-    // profile.
-    const int number = indexOf(d[6], "Telefonnummer der Kesta");
-    const int esim = indexOf(d[6], "eSIM-Profil der Kesta");
-    ASSERT_GE(number, 0) << d[6].dump();
-    ASSERT_GE(esim, 0) << d[6].dump();
-    EXPECT_EQ(valueOf(d[6], number), "+44 7700 900123");
-    EXPECT_EQ(valueOf(d[7], number), "+44 7700 900999");
-    EXPECT_TRUE(changedOnScreen(7));
-    EXPECT_EQ(valueOf(d[7], esim), "Kite & Co <Travel>");
-    EXPECT_EQ(valueOf(d[8], esim), "Roam Away");
-    EXPECT_TRUE(changedOnScreen(8));
 }

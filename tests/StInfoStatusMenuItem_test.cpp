@@ -29,11 +29,6 @@ protected:
         evas_object_show(_genlist);
     }
 
-    void writeProfile(const std::string &json) {
-        std::ofstream(EflTestEnvironment::stateDir() + "/profile.json") << json;
-        platform::reloadProfile();
-    }
-
     Elm_Object_Item *append(Row::AboutMenu kind) {
         auto *row = new Row(kind);
         Elm_Genlist_Item_Class *itc = row->getItemClassNew();
@@ -44,18 +39,10 @@ protected:
         return item;
     }
 
-    static std::string text(Elm_Object_Item *item, const char *part) {
-        const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
-        char *t = itc->func.text_get(elm_object_item_data_get(item), nullptr, part);
-        std::string out = t ? t : "(none)";
-        free(t);
-        return out;
-    }
-
     static std::string values(std::initializer_list<Elm_Object_Item *> items) {
         std::string out;
         for (Elm_Object_Item *item : items)
-            out += text(item, "elm.text.1") + "|";
+            out += textOf(item, "elm.text.1") + "|";
         return out;
     }
 
@@ -88,11 +75,11 @@ TEST_F(StInfoStatusMenuItemTest, AsynchronousRowsChangeInPlaceAndEscapeMarkup) {
     StInfoStatusModel *model = StInfoStatusModel::getInstance();
     bool eidArrived = false;
     model->_eidSignal.addListener([&eidArrived]() { eidArrived = true; });
-    ASSERT_TRUE(runUntil([&]() { return eidArrived && text(phone, "elm.text.1") != "Unknown"; }));
+    ASSERT_TRUE(runUntil([&]() { return eidArrived && textOf(phone, "elm.text.1") != "Unknown"; }));
     settle(0.1);
     EXPECT_EQ(values({profile, eid, phone}),
               "Kite &amp; Co &lt;Travel&gt;|8900048000000100|+44 7700 900123|");
-    EXPECT_EQ(text(phone, "elm.text.2"), "(none)");
+    EXPECT_EQ(textOf(phone, "elm.text.2"), "(none)");
     // The list redrew them in place: the drawn texts are the new ones.
     EXPECT_EQ(drawn(profile) + "|" + drawn(eid) + "|" + drawn(phone) + "|",
               values({profile, eid, phone}));
@@ -117,5 +104,5 @@ TEST_F(StInfoStatusMenuItemTest, EmptyValuesShowUnknownAndImsRegistrationItsStat
     // An empty address and a too short carrier ICCID both show the unknown text.
     EXPECT_EQ(values({wifi, bt, iccid, ims}), "Unknown|Unknown|Unknown|Off|");
     writeProfile(R"({"telephony": {"modem": true, "volte_enable": 1}})");
-    EXPECT_EQ(text(ims, "elm.text.1"), "On");
+    EXPECT_EQ(textOf(ims, "elm.text.1"), "On");
 }

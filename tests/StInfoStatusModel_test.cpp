@@ -38,10 +38,7 @@ protected:
         vconf_set_str("db/menu_widget/regionformat", "en_GB.UTF-8");
     }
 
-    void writeProfile(const std::string &sections) {
-        std::ofstream(EflTestEnvironment::stateDir() + "/profile.json") << "{" << sections << "}";
-        platform::reloadProfile();
-    }
+    void writeSections(const std::string &sections) { writeProfile("{" + sections + "}"); }
 
     bool logHas(const std::string &text) const {
         return logSinceStart().find(text) != std::string::npos;
@@ -80,7 +77,7 @@ TEST_F(StInfoStatusModelTest, ModemRecordsGiveIdentifiersAndEmptyFieldsGiveUnkno
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.profile);
-        writeProfile(c.profile);
+        writeSections(c.profile);
         vconf_set_str("db/setting/selected_num", "+449999");
         StInfoStatusModel *m = StInfoStatusModel::getInstance();
         int emitted = 0;
@@ -127,7 +124,7 @@ TEST_F(StInfoStatusModelTest, PhoneNumberFollowsTheCarrierFeatures) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(std::string(c.profile) + " " + c.number);
-        writeProfile(kModem + ", " + c.profile);
+        writeSections(kModem + ", " + c.profile);
         vconf_set_str("db/menu_widget/regionformat", c.region);
         vconf_set_str("db/setting/selected_num", c.number);
         EXPECT_EQ(model->getPhoneNumberInfo(), c.shown);
@@ -149,7 +146,7 @@ TEST_F(StInfoStatusModelTest, EsimProfilesArriveAndFailedRepliesKeepTheListAndLe
     ASSERT_TRUE(started && (daemon.pid = atoi(pid)) > 0);
     address[strcspn(address, "\n")] = '\0';
     setenv("DBUS_SYSTEM_BUS_ADDRESS", address, 1);
-    writeProfile(kEsim + R"(, "sim": {"msisdn": "", "iccid": "8944110012345678901"},
+    writeSections(kEsim + R"(, "sim": {"msisdn": "", "iccid": "8944110012345678901"},
         "esim": {"eid": "8904", "eid_result": -3, "profiles": [
             {"name": "Off one", "kind": 2, "state": 0},
             {"name": "Data only", "kind": 1, "state": 1},
@@ -167,7 +164,7 @@ TEST_F(StInfoStatusModelTest, EsimProfilesArriveAndFailedRepliesKeepTheListAndLe
     EXPECT_EQ(model->getEid(), "");
     EXPECT_EQ(model->getIccidInfo(), "8944110012345678901");
 
-    writeProfile(kEsim + R"(, "esim": {"profiles": [], "profile_list_result": -5})");
+    writeSections(kEsim + R"(, "esim": {"profiles": [], "profile_list_result": -5})");
     eldbus_init();
     Eldbus_Connection *bus = eldbus_connection_get(ELDBUS_CONNECTION_TYPE_SYSTEM);
     eldbus_name_request(bus, "com.nerova.quillset.sim", 0, nullptr, nullptr);
@@ -188,7 +185,7 @@ TEST_F(StInfoStatusModelTest, EsimProfilesArriveAndFailedRepliesKeepTheListAndLe
 }
 
 TEST_F(StInfoStatusModelTest, WithoutEsimPhaseOneTheIccidComesFromTheSim) {
-    writeProfile(kModem + R"(, "system_info": {"vendor": {"tizen/feature/esim.phase": 2}},
+    writeSections(kModem + R"(, "system_info": {"vendor": {"tizen/feature/esim.phase": 2}},
         "sim": {"iccid": "8982050123456789012"})");
     StInfoStatusModel *model = StInfoStatusModel::getInstance();
     EXPECT_FALSE(model->isEsimMenuEnabled());
@@ -210,8 +207,8 @@ TEST_F(StInfoStatusModelTest, WithoutEsimPhaseOneTheIccidComesFromTheSim) {
     for (const auto &c : cases) {
         SCOPED_TRACE(c.iccid);
         vconf_set_str("db/csc/text_string_customer", c.salesCode ? c.salesCode : "");
-        writeProfile(kModem + R"(, "sim": {"iccid": ")" + c.iccid + "\"}" +
-                     (c.salesCode ? "" : R"(, "faults": [{"call": "vconf_get_str",
+        writeSections(kModem + R"(, "sim": {"iccid": ")" + c.iccid + "\"}" +
+                      (c.salesCode ? "" : R"(, "faults": [{"call": "vconf_get_str",
                          "key": "db/csc/text_string_customer", "code": -5}])"));
         EXPECT_EQ(model->getIccidInfo(), c.shown);
     }
