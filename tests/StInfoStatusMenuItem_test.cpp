@@ -21,8 +21,6 @@ class StInfoStatusMenuItemTest : public EflTest {
 protected:
     void SetUp() override {
         EflTest::SetUp();
-        std::string bus = "unix:path=" + EflTestEnvironment::stateDir() + "/no-bus.sock";
-        setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.c_str(), 1);
         _genlist = elm_genlist_add(_win);
         evas_object_size_hint_weight_set(_genlist, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
         elm_win_resize_object_add(_win, _genlist);

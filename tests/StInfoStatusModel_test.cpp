@@ -32,9 +32,6 @@ class StInfoStatusModelTest : public EflTest {
 protected:
     void SetUp() override {
         EflTest::SetUp();
-        // The device daemon is asked on a bus that does not exist, never the host's own.
-        std::string bus = "unix:path=" + EflTestEnvironment::stateDir() + "/no-bus.sock";
-        setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.c_str(), 1);
         vconf_set_str("db/menu_widget/regionformat", "en_GB.UTF-8");
     }
 
