@@ -36,19 +36,15 @@ TEST_F(StInfoTextUtilsTest, StorageLineIsCutToTheBuffer) {
     EXPECT_STREQ(buffer, "3.50GB ");
 }
 
-TEST_F(StInfoTextUtilsTest, RegionComesFromTheRegionFormat) {
+TEST_F(StInfoTextUtilsTest, RegionComesFromTheRegionFormatAndSomeAreNeverFormatted) {
     setRegion("en_GB.UTF-8");
     EXPECT_EQ(getRegionCode(), "GB");
     setRegion("ko");  // too short to hold a country
     EXPECT_EQ(getRegionCode(), "KR");
-}
-
-TEST_F(StInfoTextUtilsTest, UnformattedRegionsAreExactCodes) {
-    EXPECT_TRUE(isUnformattedRegion("RU"));
-    EXPECT_TRUE(isUnformattedRegion("CN"));
-    EXPECT_FALSE(isUnformattedRegion("ru"));
-    EXPECT_FALSE(isUnformattedRegion(""));
-    EXPECT_FALSE(isUnformattedRegion("GB"));
+    for (const char *code : {"RU", "CN"})
+        EXPECT_TRUE(isUnformattedRegion(code)) << code;
+    for (const char *code : {"ru", "", "GB"})
+        EXPECT_FALSE(isUnformattedRegion(code)) << code;
 }
 
 TEST_F(StInfoTextUtilsTest, PhoneNumbersAreFormattedForTheRegion) {
