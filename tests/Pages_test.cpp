@@ -103,14 +103,6 @@ protected:
         settle(0.05);
     }
 
-    // The index of the row at the centre of the screen.
-    int centreRow(Evas_Object *list) {
-        int x, y, w, h, pos;
-        evas_object_geometry_get(list, &x, &y, &w, &h);
-        Elm_Object_Item *item = elm_genlist_at_xy_item_get(list, x + w / 2, y + h / 2, &pos);
-        return item ? elm_genlist_item_index_get(item) : -1;
-    }
-
     WNaviframeController *_naviframe = nullptr;
 
     bool developerOption() {

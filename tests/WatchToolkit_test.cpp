@@ -66,21 +66,14 @@ TEST_F(WatchToolkitTest, BezelMovesTheListOneRowPerDetent) {
     ASSERT_NE(circle, nullptr);
     eext_rotary_object_event_activated_set(circle, EINA_TRUE);
     settle();
-    int x, y, w, h;
-    evas_object_geometry_get(list, &x, &y, &w, &h);
-    auto centreIndex = [&]() {
-        int pos;
-        Elm_Object_Item *item = elm_genlist_at_xy_item_get(list, x + w / 2, y + h / 2, &pos);
-        return item ? elm_genlist_item_index_get(item) : -1;
-    };
-    int before = centreIndex();
+    int before = centreRow(list);
     for (int i = 0; i < 3; ++i)
         pressKey("Next");
     settle(0.6);
-    EXPECT_EQ(centreIndex(), before + 3);
+    EXPECT_EQ(centreRow(list), before + 3);
     pressKey("Prior");
     settle(0.6);
-    EXPECT_EQ(centreIndex(), before + 2);
+    EXPECT_EQ(centreRow(list), before + 2);
 
     // Once the list is gone the bezel has nothing to move, and nothing breaks.
     evas_object_del(list);

@@ -146,6 +146,13 @@ std::string EflTest::logSinceStart() const {
     return text.str();
 }
 
+int EflTest::centreRow(Evas_Object *list) {
+    int x, y, w, h, pos;
+    evas_object_geometry_get(list, &x, &y, &w, &h);
+    Elm_Object_Item *item = elm_genlist_at_xy_item_get(list, x + w / 2, y + h / 2, &pos);
+    return item ? elm_genlist_item_index_get(item) : -1;
+}
+
 void EflTest::click(Evas_Object *obj) {
     int x, y, w, h;
     evas_object_geometry_get(obj, &x, &y, &w, &h);

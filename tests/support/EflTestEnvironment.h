@@ -39,6 +39,8 @@ protected:
     static std::string textOf(Elm_Object_Item *item, const char *part);
     // A naviframe filling the window, shown, for pages to be pushed on.
     app_assist::WNaviframeController *makeNaviframe();
+    // The index of the list's row at the centre of the screen, -1 for none.
+    static int centreRow(Evas_Object *list);
     // Touches the centre of a genlist row as a person would.
     void tapItem(Elm_Object_Item *item);
     void click(Evas_Object *obj);
