@@ -156,25 +156,13 @@ TEST_F(PagesTest, SecurityPlatformRowsShowTheirKeysAndUnknownForEachMissingOne) 
 
 // Battery model
 
-TEST_F(PagesTest, RatedValueIsVoltageThenCurrentAndNeedsBoth) {
-    writeProfile(vendorProfile(R"("tizen/system/rated_voltage": "3.85V",
-                                  "tizen/system/rated_current": "300mA",
-                                  "tizen/system/battery_capacity": "361mAh")"));
-    StInfoBatteryModel *model = StInfoBatteryModel::getInstance();
-    EXPECT_EQ(model->getRatedInfo(), "3.85V; 300mA");
-    EXPECT_EQ(model->getBatteryCapacity(), "361mAh");
-    writeProfile(vendorProfile(R"("tizen/system/rated_voltage": "3.85V")"));
-    EXPECT_EQ(model->getRatedInfo(), kUnknown);
-    EXPECT_EQ(model->getBatteryCapacity(), kUnknown);
-    writeProfile(vendorProfile(R"("tizen/system/rated_current": "300mA")"));
-    EXPECT_EQ(model->getRatedInfo(), kUnknown);
-}
-
-TEST_F(PagesTest, BatteryValuesAreCutAt31And15Characters) {
-    struct Case {
-        std::string voltage, current, capacity, rated, shownCapacity;
-    };
-    const Case cases[] = {
+TEST_F(PagesTest, RatedValueNeedsVoltageAndCurrentAndValuesAreCutAt31And15Characters) {
+    const struct {
+        const char *voltage, *current, *capacity, *rated, *shownCapacity;  // null: no key
+    } cases[] = {
+        {"3.85V", "300mA", "361mAh", "3.85V; 300mA", "361mAh"},
+        {"3.85V", nullptr, nullptr, kUnknown, kUnknown},
+        {nullptr, "300mA", nullptr, kUnknown, kUnknown},
         // "12345678901234; 123456789012345" is exactly 31 characters.
         {"12345678901234", "123456789012345", "123456789012345", "12345678901234; 123456789012345",
          "123456789012345"},
@@ -183,11 +171,16 @@ TEST_F(PagesTest, BatteryValuesAreCutAt31And15Characters) {
         {"3.85V", "300mA with a very long description", "361mAh (typical value)",
          "3.85V; 300mA with a very long d", "361mAh (typical"},
     };
-    for (const Case &c : cases) {
-        writeProfile(vendorProfile(R"("tizen/system/rated_voltage": ")" + c.voltage +
-                                   R"(", "tizen/system/rated_current": ")" + c.current +
-                                   R"(", "tizen/system/battery_capacity": ")" + c.capacity + "\""));
-        EXPECT_EQ(StInfoBatteryModel::getInstance()->getRatedInfo(), c.rated) << c.current;
+    for (const auto &c : cases) {
+        std::string keys;
+        for (auto key : {std::make_pair("rated_voltage", c.voltage),
+                         std::make_pair("rated_current", c.current),
+                         std::make_pair("battery_capacity", c.capacity)})
+            if (key.second)
+                keys += std::string(keys.empty() ? "" : ", ") + "\"tizen/system/" + key.first +
+                        "\": \"" + key.second + "\"";
+        writeProfile(vendorProfile(keys));
+        EXPECT_EQ(StInfoBatteryModel::getInstance()->getRatedInfo(), c.rated) << keys;
         EXPECT_EQ(StInfoBatteryModel::getInstance()->getBatteryCapacity(), c.shownCapacity);
     }
 }
