@@ -1,12 +1,10 @@
 // Runs a fuzz target over the files of its committed corpus, without libFuzzer, so that the
 // ordinary build replays every interesting input on each test run.
 
-#include <dirent.h>
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -14,47 +12,29 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
-namespace {
-
-// The files under path (itself when it is one), sorted so that runs are repeatable.
-bool collect(const std::string &path, std::vector<std::string> *files) {
-    struct stat info;
-    if (stat(path.c_str(), &info) != 0) {
-        perror(path.c_str());
-        return false;
-    }
-    if (!S_ISDIR(info.st_mode)) {
-        files->push_back(path);
-        return true;
-    }
-    DIR *dir = opendir(path.c_str());
-    if (!dir) {
-        perror(path.c_str());
-        return false;
-    }
-    std::vector<std::string> found;
-    while (struct dirent *entry = readdir(dir))
-        if (entry->d_name[0] != '.')
-            found.push_back(path + "/" + entry->d_name);
-    closedir(dir);
-    std::sort(found.begin(), found.end());
-    for (const std::string &file : found)
-        if (!collect(file, files))
-            return false;
-    return true;
-}
-
-}  // namespace
-
 int main(int argc, char **argv) {
+    namespace fs = std::filesystem;
     std::vector<std::string> files;
-    for (int k = 1; k < argc; ++k)
-        if (!collect(argv[k], &files))
+    std::error_code error;
+    for (int k = 1; k < argc; ++k) {
+        if (!fs::is_directory(argv[k], error) && fs::exists(argv[k], error))
+            files.push_back(argv[k]);
+        else
+            for (fs::recursive_directory_iterator it(argv[k], error), end; !error && it != end;
+                 it.increment(error))
+                if (it->is_regular_file() && it->path().filename().string()[0] != '.')
+                    files.push_back(it->path());
+        if (error) {
+            fprintf(stderr, "%s: %s\n", argv[k], error.message().c_str());
             return 2;
+        }
+    }
     if (files.empty()) {
         fprintf(stderr, "no corpus input given\n");
         return 2;
     }
+    // Sorted, so that runs are repeatable.
+    std::sort(files.begin(), files.end());
     for (const std::string &file : files) {
         std::ifstream in(file, std::ios::binary);
         std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)),
