@@ -43,13 +43,21 @@ TEST(Profile, EveryWrongValueIsRefusedWithItsPlaceAndWhatWasExpected) {
         {R"({"bluetooth": {"address": null}})", "bluetooth.address: expected a string, found null"},
         {R"({"packages": {"com.x": {"version": 2}}})", R"(packages["com.x"].version: expected a )"
                                                        "string, found number 2"},
+        {R"({"settings": )" + std::string(100000, '[') + std::string(100000, ']') + "}",
+         "line 1, column 77: nested more than 64 levels deep"},
     };
     for (const auto &[text, message] : cases) {
         Profile profile;
         std::string error;
         EXPECT_FALSE(profile.parse(text, "watch.json", &error));
-        EXPECT_EQ(error.rfind("watch.json: " + message, 0), 0u) << text << "\n  got: " << error;
+        EXPECT_EQ(error.rfind("watch.json: " + message, 0), 0u)
+            << text.substr(0, 80) << "\n  got: " << error;
     }
+    // An endless file is not read at all.
+    Profile profile;
+    std::string error;
+    EXPECT_FALSE(profile.load("/dev/zero", &error));
+    EXPECT_EQ(error, "/dev/zero: not a regular file");
 }
 
 TEST(Profile, SeedingWritesEachSettingWithItsType) {
