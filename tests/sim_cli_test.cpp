@@ -175,7 +175,9 @@ TEST_F(SimCliTest, EveryRefusalSaysWhyAndLosesNothing) {
 }
 
 TEST_F(SimCliTest, UsageFromSeveralWritersAtOnceIsListedAsJsonLines) {
-    // The application and the services daemon write at once; the daemon made the database.
+    // Writers that find no database yet make it together, then write at once.
+    for (const char *file : {"/usage.db", "/usage.db-wal", "/usage.db-shm"})
+        sim::removeTree(_state + file, nullptr);
     for (int w = 0; w < 3; ++w) {
         if (fork() == 0) {
             sim::UsageDb db;

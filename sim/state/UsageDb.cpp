@@ -1,5 +1,7 @@
 #include "UsageDb.h"
 
+#include <unistd.h>
+
 #include <sqlite3.h>
 
 #include <chrono>
@@ -72,13 +74,20 @@ bool UsageDb::open(const std::string &stateDir, std::string *error) {
     // With the write-ahead log, NORMAL keeps the database whole and spares every record a wait
     // for the disk; the last records before a power cut may be lost, which a simulated watch can
     // afford and the programs writing records (the application at start) should not wait for.
-    if (!_exec("PRAGMA journal_mode=WAL;", error) || !_exec("PRAGMA synchronous=NORMAL;", error) ||
-        !_exec(kSchema, error)) {
-        sqlite3_close(_db);
-        _db = nullptr;
-        return false;
+    // Processes that open a new database at once race to set it up; the busy handler does not
+    // cover changing the journal mode, so the losers try again for as long as it would wait.
+    for (int attempt = 0;; ++attempt) {
+        if (_exec("PRAGMA journal_mode=WAL;", error) &&
+            _exec("PRAGMA synchronous=NORMAL;", error) && _exec(kSchema, error))
+            return true;
+        int code = sqlite3_errcode(_db);
+        if ((code != SQLITE_BUSY && code != SQLITE_LOCKED) || attempt == 200)
+            break;
+        usleep(10000);
     }
-    return true;
+    sqlite3_close(_db);
+    _db = nullptr;
+    return false;
 }
 
 bool UsageDb::_exec(const char *sql, std::string *error) {
