@@ -65,17 +65,21 @@ TEST(Soak, SwitchShowsTheFinalValueAfterAnotherProcessTogglesIt) {
         EXPECT_EQ(rowWithLabel(after, label)["check"], true);
         // Deleted, the key reads as off, and a tap asks before turning debugging on.
         ASSERT_EQ(store.remove(key, &error), sim::SettingsStore::Ok) << error;
-        for (int look = 0; look < 10 && rowWithLabel(after, label)["check"] != false; ++look) {
+        nlohmann::json deleted = after;
+        for (int look = 0; look < 10 && rowWithLabel(deleted, label)["check"] != false; ++look) {
             watch.send("wait 300\ndump\n");
-            after = watch.nextDump();
+            deleted = watch.nextDump();
         }
-        EXPECT_EQ(rowWithLabel(after, label)["check"], false);
+        EXPECT_EQ(rowWithLabel(deleted, label)["check"], false);
         watch.send("tap WDS_ST_MBODY_DEBUGGING_ABB\ndump\n");
         EXPECT_TRUE(watch.nextDump()["popup"].is_object());
         watch.send("quit\n");
         EXPECT_EQ(watch.finish(), 0);
-        printf("toggles: %d writes of %s by another process; the switch shows %s\n", toggles,
-               key.c_str(), rowWithLabel(after, label)["check"].dump().c_str());
+        printf(
+            "toggles: %d writes of %s by another process; the switch shows %s, and %s once "
+            "the key is deleted\n",
+            toggles, key.c_str(), rowWithLabel(after, label)["check"].dump().c_str(),
+            rowWithLabel(deleted, label)["check"].dump().c_str());
     }
     std::string cmd = "rm -rf '" + state + "'";
     EXPECT_EQ(system(cmd.c_str()), 0);
