@@ -24,7 +24,6 @@
 #include "StInfoSwModel.h"
 #include "StInfoSwViewController.h"
 #include "support/EflTestEnvironment.h"
-#include "tessid/StInfoTessidModel.h"
 #include "tessid/StInfoTessidViewController.h"
 
 using app_assist::WNaviframeController;

@@ -5,10 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <string>
-#include <vector>
 
 #include "support/SimulatedWatch.h"
 

@@ -10,6 +10,10 @@ namespace sim {
 
 namespace {
 
+// How long a writer waits for the others, and how often it looks again while setting up.
+const int kBusyMs = 2000;
+const int kRetryMs = 10;
+
 const char *const kSchema =
     "CREATE TABLE IF NOT EXISTS usage("
     " id INTEGER PRIMARY KEY AUTOINCREMENT, time REAL NOT NULL, kind TEXT NOT NULL,"
@@ -70,7 +74,7 @@ bool UsageDb::open(const std::string &stateDir, std::string *error) {
         return false;
     }
     // Several processes of the watch write at once; wait for each other rather than fail.
-    sqlite3_busy_timeout(_db, 2000);
+    sqlite3_busy_timeout(_db, kBusyMs);
     // With the write-ahead log, NORMAL keeps the database whole and spares every record a wait
     // for the disk; the last records before a power cut may be lost, which a simulated watch can
     // afford and the programs writing records (the application at start) should not wait for.
@@ -81,9 +85,9 @@ bool UsageDb::open(const std::string &stateDir, std::string *error) {
             _exec("PRAGMA synchronous=NORMAL;", error) && _exec(kSchema, error))
             return true;
         int code = sqlite3_errcode(_db);
-        if ((code != SQLITE_BUSY && code != SQLITE_LOCKED) || attempt == 200)
+        if ((code != SQLITE_BUSY && code != SQLITE_LOCKED) || attempt * kRetryMs >= kBusyMs)
             break;
-        usleep(10000);
+        usleep(kRetryMs * 1000);
     }
     sqlite3_close(_db);
     _db = nullptr;
