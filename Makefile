@@ -4,8 +4,10 @@ CMAKE_FLAGS ?=
 PROFILE ?= default
 A11Y ?=
 FUZZ_TIME ?= 20
+SEED ?=
+EVENTS ?=
 
-.PHONY: all deps configure build run test soak bench tour format clean fuzz check-asan check-valgrind
+.PHONY: all deps configure build run test soak bench tour format clean fuzz check-asan check-valgrind monkey
 
 all: build
 
@@ -47,6 +49,15 @@ fuzz:
 
 check-asan: deps
 	@scripts/check-asan.sh build-asan
+
+# A monkey on the simulated watch, under the sanitizers (build-asan/): by default 10,000 events
+# across every profile. SEED=N EVENTS=M (a profile) PROFILE=P replay a run.
+monkey: deps
+	@cmake -S . -B build-asan -G Ninja -DQUILLSET_SANITIZE=ON >/dev/null
+	@ASAN_OPTIONS=detect_leaks=0 cmake --build build-asan
+	@python3 scripts/monkey.py build-asan $(if $(SEED),--seed $(SEED)) \
+		$(if $(EVENTS),--events $(EVENTS)) \
+		$(if $(filter command line environment,$(origin PROFILE)),--profile $(PROFILE))
 
 check-valgrind: build
 	@scripts/install-deps.sh valgrind

@@ -4,6 +4,7 @@
 
 #include <Ecore_Evas.h>
 #include <WPopupController.h>
+#include <WViewController.h>
 #include <app.h>
 #include <libintl.h>
 #include <vconf.h>
@@ -24,6 +25,7 @@
 
 #include "PlatformState.h"
 #include "ReadingOrder.h"
+#include "StInfoUSBDebuggingPopupController.h"
 
 namespace {
 
@@ -38,6 +40,8 @@ const double kSettle = 0.06;     // lets the toolkit lay out and draw after a co
 const double kPopupDrawn = 1.0;  // the longest wait for a popup's first frames
 const double kSimSettle = 0.15;  // events from other processes arrive through the loop
 const char *const kDomain = "quillset";
+// Tries, a tenth of a second apart, for what settles by itself after a command.
+const int kSettledTries = 10;
 
 std::vector<std::string> splitWords(const std::string &text) {
     std::vector<std::string> words;
@@ -71,7 +75,8 @@ Driver::Driver(std::string simPath, bool interactive)
       _status(0),
       _lineCount(0),
       _stdinHandler(nullptr),
-      _timer(nullptr) {}
+      _timer(nullptr),
+      _invariants(_reader) {}
 
 bool Driver::start(const std::string &scriptPath) {
     if (!scriptPath.empty()) {
@@ -150,6 +155,12 @@ Eina_Bool Driver::_nextCb(void *data) {
 void Driver::_runNext() {
     if (_finished || _busy)
         return;
+    if (_checkDue) {
+        _checkDue = false;
+        _busy = true;
+        _checkInvariants(_lastLine);
+        return;
+    }
     while (!_pending.empty()) {
         Line line = _pending.front();
         _pending.pop_front();
@@ -158,6 +169,8 @@ void Driver::_runNext() {
             continue;
         line.text = text;
         _busy = true;
+        _lastLine = line;
+        _checkDue = _checking;
         _run(line);
         return;
     }
@@ -209,7 +222,8 @@ void Driver::_run(const Line &line) {
     std::string arg = trim(line.text.substr(command.size()));
     auto done = [this](double delay) {
         _busy = false;
-        _scheduleNext(delay);
+        // A stress run sets its own pauses; the screen gets none of its own.
+        _scheduleNext(_checking ? 0 : delay);
     };
 
     if (command == "dump") {
@@ -230,6 +244,12 @@ void Driver::_run(const Line &line) {
     } else if (command == "press") {
         _press(line, arg);  // continues on its own
     } else if (command == "back") {
+        // Back on the About list alone ends the application: a stress run ends it only at its
+        // end, as every script does.
+        if (_checking && _reader.depth() <= 1 && !_reader.topPopup() && !_reader.toast()) {
+            done(0);
+            return;
+        }
         _feedKey("Escape");
         done(kSettle * 2);
     } else if (command == "bezel") {
@@ -249,7 +269,8 @@ void Driver::_run(const Line &line) {
             _fail(line, "wait needs milliseconds");
             return;
         }
-        done(ms / 1000.0);
+        _busy = false;
+        _scheduleNext(ms / 1000.0);
     } else if (command == "shot") {
         std::string error;
         if (arg.empty())
@@ -273,14 +294,18 @@ void Driver::_run(const Line &line) {
             done(0);
     } else if (command == "set") {
         std::string error;
+        _allowDebuggingWrite(splitWords(arg));
         if (!_set(splitWords(arg), &error))
-            _fail(line, error);
+            _skipOrFail(line, error);
         else
             done(kSimSettle);
     } else if (command == "sim") {
         std::string error;
-        if (!_runSim(splitWords(arg), &error))
-            _fail(line, error);
+        std::vector<std::string> words = splitWords(arg);
+        if (!words.empty() && words[0] == "set")
+            _allowDebuggingWrite(std::vector<std::string>(words.begin() + 1, words.end()));
+        if (!_runSim(words, &error))
+            _skipOrFail(line, error);
         else
             done(kSimSettle);
     } else if (command == "tour") {
@@ -288,20 +313,75 @@ void Driver::_run(const Line &line) {
             _fail(line, "tour needs a directory");
         else
             _tour(line, arg);
+    } else if (command == "invariants") {
+        _checking = true;
+        _invariants.start();
+        done(0);
     } else if (command == "quit") {
         _finished = true;
         ui_app_exit();
     } else {
         _fail(line,
               "unknown command (dump, a11y, tap, press, back, bezel, wait, shot, expect, set, "
-              "sim, tour, quit)");
+              "sim, tour, invariants, quit)");
     }
+}
+
+void Driver::_busyDone() {
+    _busy = false;
+    _scheduleNext(_checking ? 0 : kSettle * 2);
+}
+
+void Driver::_skipOrFail(const Line &line, const std::string &reason) {
+    if (!_checking) {
+        _fail(line, reason);
+        return;
+    }
+    // Under a stress run's random touches, a touch that finds nothing is nothing.
+    _busy = false;
+    _scheduleNext(0);
+}
+
+void Driver::_allowDebuggingWrite(const std::vector<std::string> &args) {
+    if (args.size() >= 3 && args[0] == "db/setting/debug_mode" &&
+        (args[2] == "true" || args[2] == "1"))
+        _invariants.allowDebugging();
+}
+
+// After a command: what must hold at once, then what settles by itself (counts after a
+// transition, a closed popup's deletion), given a second to.
+void Driver::_checkInvariants(const Line &line) {
+    std::string broken = _invariants.checkNow();
+    if (!broken.empty())
+        _invariantBroken(line, broken);
+    else
+        _checkSettled(line, kSettledTries);
+}
+
+void Driver::_checkSettled(const Line &line, int triesLeft) {
+    std::string broken = _invariants.checkSettled();
+    if (broken.empty()) {
+        _busy = false;
+        _scheduleNext(0);
+    } else if (triesLeft == 0) {
+        _invariantBroken(line, broken);
+    } else {
+        _after(0.1, [this, line, triesLeft]() { _checkSettled(line, triesLeft - 1); });
+    }
+}
+
+void Driver::_invariantBroken(const Line &line, const std::string &what) {
+    std::cerr << "quillset-drive: line " << line.number << ": " << line.text
+              << ": invariant broken: " << what << "\n";
+    _status = 3;
+    _finished = true;
+    ui_app_exit();
 }
 
 bool Driver::_tap(const Line &line, const std::string &arg) {
     Evas_Object *list = _reader.topList();
     if (!list) {
-        _fail(line, "no list on screen");
+        _skipOrFail(line, "no list on screen");
         return false;
     }
     Elm_Object_Item *target = nullptr;
@@ -313,6 +393,21 @@ bool Driver::_tap(const Line &line, const std::string &arg) {
             return false;
         }
         target = elm_genlist_nth_item_get(list, static_cast<unsigned int>(index));
+    } else if (!arg.empty() && arg[0] == '@') {
+        // The Kth of the rows on screen now, counted round: where a finger lands at random.
+        char *end = nullptr;
+        long k = strtol(arg.c_str() + 1, &end, 10);
+        if (arg.size() == 1 || *end || k < 0) {
+            _fail(line, "tap @K needs a number");
+            return false;
+        }
+        std::vector<Elm_Object_Item *> shown;
+        for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item;
+             item = elm_genlist_item_next_get(item))
+            if (_onScreen(item, nullptr, nullptr))
+                shown.push_back(item);
+        if (!shown.empty())
+            target = shown[static_cast<size_t>(k) % shown.size()];
     } else {
         for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item && !target;
              item = elm_genlist_item_next_get(item)) {
@@ -322,8 +417,16 @@ bool Driver::_tap(const Line &line, const std::string &arg) {
         }
     }
     if (!target) {
-        _fail(line, "no such row on screen");
+        _skipOrFail(line, "no such row on screen");
         return false;
+    }
+    if (_checking) {
+        // A person taps what is on screen, at once; a row off screen is not there to tap.
+        if (!_touchRow(target))
+            _skipOrFail(line, "the row is not on screen");
+        else
+            _busyDone();
+        return true;
     }
     // Bring the row into view first, then touch its centre once it has been drawn there.
     elm_genlist_item_show(target, ELM_GENLIST_ITEM_SCROLLTO_IN);
@@ -333,11 +436,11 @@ bool Driver::_tap(const Line &line, const std::string &arg) {
              item = elm_genlist_item_next_get(item))
             found = found || item == target;
         if (!found) {
-            _fail(line, "the row went away before it could be touched");
+            _skipOrFail(line, "the row went away before it could be touched");
             return;
         }
         if (!_touchRow(target)) {
-            _fail(line, "the row is not on screen");
+            _skipOrFail(line, "the row is not on screen");
             return;
         }
         _busy = false;
@@ -349,7 +452,7 @@ bool Driver::_tap(const Line &line, const std::string &arg) {
 bool Driver::_press(const Line &line, const std::string &arg) {
     auto buttons = _reader.popupButtons();
     if (buttons.empty()) {
-        _fail(line, "no popup button on screen");
+        _skipOrFail(line, "no popup button on screen");
         return false;
     }
     Evas_Object *target = nullptr;
@@ -367,10 +470,15 @@ bool Driver::_press(const Line &line, const std::string &arg) {
         std::string names;
         for (auto &button : buttons)
             names += (names.empty() ? "" : ", ") + button.second;
-        _fail(line, "no such popup button (there are: " + names + ")");
+        _skipOrFail(line, "no such popup button (there are: " + names + ")");
         return false;
     }
-    _pressWhenVisible(line, target, 20);
+    // Only the debugging popup's OK may turn debugging on.
+    auto *debugging = dynamic_cast<StInfoUSBDebuggingPopupController *>(_reader.topPopup());
+    if (debugging && debugging->getButtons().size() == 2 && debugging->getButtons()[1] == target)
+        _invariants.allowDebugging();
+    // A stress run presses what shows, without turning the bezel to it.
+    _pressWhenVisible(line, target, _checking ? 0 : 20);
     return true;
 }
 
@@ -403,12 +511,11 @@ void Driver::_pressWhenVisible(const Line &line, Evas_Object *target, int turnsL
     int x, y;
     if (_visibleAt(target, &x, &y)) {
         _feedClick(x, y);
-        _busy = false;
-        _scheduleNext(kSettle * 2);
+        _busyDone();
         return;
     }
     if (turnsLeft == 0) {
-        _fail(line, "the button cannot be brought into view");
+        _skipOrFail(line, "the button cannot be brought into view");
         return;
     }
     // A person turns the bezel until the button shows.
@@ -420,7 +527,7 @@ void Driver::_pressWhenVisible(const Line &line, Evas_Object *target, int turnsL
                 return;
             }
         }
-        _fail(line, "the button went away");
+        _skipOrFail(line, "the button went away");
     });
 }
 
@@ -555,6 +662,7 @@ bool Driver::_set(const std::vector<std::string> &args, std::string *error) {
 }
 
 void Driver::finish() {
+    _invariants.stop();
     if (_timer) {
         ecore_timer_del(_timer);
         _timer = nullptr;
@@ -745,7 +853,7 @@ double Driver::_waitForInput(double budget) {
     return poll;
 }
 
-bool Driver::_touchRow(Elm_Object_Item *item) {
+bool Driver::_onScreen(Elm_Object_Item *item, int *cx, int *cy) {
     Evas_Object *track = elm_object_item_track(item);
     int x = 0, y = 0, w = 0, h = 0;
     if (track)
@@ -753,9 +861,27 @@ bool Driver::_touchRow(Elm_Object_Item *item) {
     elm_object_item_untrack(item);
     if (w <= 0 || h <= 0)
         return false;
+    // A row drawn outside the round screen is not there for a finger.
+    int win = 0;
+    if (Evas_Object *window = _reader.window())
+        evas_object_geometry_get(window, nullptr, nullptr, &win, nullptr);
+    double dx = x + w / 2 - win / 2.0, dy = y + h / 2 - win / 2.0;
+    if (win > 0 && dx * dx + dy * dy > win * win / 4.0)
+        return false;
+    if (cx)
+        *cx = x + w / 2;
+    if (cy)
+        *cy = y + h / 2;
+    return true;
+}
+
+bool Driver::_touchRow(Elm_Object_Item *item) {
+    int x = 0, y = 0;
+    if (!_onScreen(item, &x, &y))
+        return false;
     _countFrames();
     _framesAtTouch = _frames;
-    _feedClick(x + w / 2, y + h / 2);
+    _feedClick(x, y);
     return true;
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "Invariants.h"
 #include "ScreenReader.h"
 
 // Runs script commands against the running application, one at a time on its main loop,
@@ -45,6 +46,8 @@ private:
     void _tourExplore(const std::string &name, int depth);
     void _tourStep();
     bool _touchRow(Elm_Object_Item *item);
+    // Whether a row is drawn inside the round screen, and its centre.
+    bool _onScreen(Elm_Object_Item *item, int *cx, int *cy);
     // Frames drawn, so that a step can tell a slow screen from one that will not change.
     void _countFrames();
     static void _renderPostCb(void *data, Evas *evas, void *info);
@@ -59,6 +62,15 @@ private:
     // Brings each switch row that is off screen into view long enough to read its switch,
     // puts the list back where it was, then calls done. Returns the time that takes.
     double _revealSwitches(std::function<void(const ScreenReader::SwitchStates &)> done);
+
+    // Stress runs: commands that find nothing to act on are skipped, and the invariants are
+    // checked after each.
+    void _busyDone();
+    void _skipOrFail(const Line &line, const std::string &reason);
+    void _allowDebuggingWrite(const std::vector<std::string> &args);
+    void _checkInvariants(const Line &line);
+    void _checkSettled(const Line &line, int triesLeft);
+    void _invariantBroken(const Line &line, const std::string &what);
 
     bool _tap(const Line &line, const std::string &arg);
     bool _press(const Line &line, const std::string &arg);
@@ -93,6 +105,10 @@ private:
     long _framesAtTouch = 0;
     Line _tourLine;
     ScreenReader::SwitchStates _tourSwitches;
+    Invariants _invariants;
+    bool _checking = false;
+    bool _checkDue = false;
+    Line _lastLine;
 };
 
 #endif

@@ -26,6 +26,7 @@ const char *const kUsage =
     "                          the accessibility bus on for a desktop screen reader\n"
     "  get KEY                 print a setting (booleans as true/false)\n"
     "  set KEY TYPE VALUE      write a setting; TYPE is bool, int, double or string\n"
+    "  unset KEY               delete a setting, as a reset of the watch would\n"
     "  event launch            a new launch request for the application\n"
     "  event language LANG     switch the language (en, de, de_DE, de_DE.UTF-8)\n"
     "  event policy usb-debugging STATUS\n"
@@ -89,6 +90,22 @@ int cmdSet(const Watch &watch, const std::vector<std::string> &args) {
     if (sim::SettingsStore(watch.state).write(args[0], value, &error) != sim::SettingsStore::Ok)
         return fail(error);
     return 0;
+}
+
+int cmdUnset(const Watch &watch, const std::vector<std::string> &args) {
+    if (args.size() != 1)
+        return usageError("unset takes one KEY");
+    if (!sim::SettingsStore::validKey(args[0]))
+        return fail("invalid key '" + args[0] + "' (a relative path such as db/setting/x)");
+    std::string error;
+    switch (sim::SettingsStore(watch.state).remove(args[0], &error)) {
+        case sim::SettingsStore::Ok:
+            return 0;
+        case sim::SettingsStore::Missing:
+            return fail("no setting " + args[0] + " on this watch (" + watch.state + ")");
+        default:
+            return fail(error);
+    }
 }
 
 // The watch's bus: the one given with --state, else the one this process runs on.
@@ -367,7 +384,8 @@ int main(int argc, char *argv[]) {
     if (command == "check")
         return cmdCheck(rest);
 
-    static const char *const kStateCommands[] = {"get", "set", "event", "usage", "launches"};
+    static const char *const kStateCommands[] = {"get",   "set",   "unset",
+                                                 "event", "usage", "launches"};
     bool known = false;
     for (const char *name : kStateCommands)
         known = known || command == name;
@@ -389,6 +407,8 @@ int main(int argc, char *argv[]) {
         return cmdGet(watch, rest);
     if (command == "set")
         return cmdSet(watch, rest);
+    if (command == "unset")
+        return cmdUnset(watch, rest);
     if (command == "event")
         return cmdEvent(watch, rest);
     if ((command == "usage" || command == "launches") && !rest.empty())
