@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -748,6 +749,28 @@ Evas_Object *Driver::_tourScroller() const {
 
 namespace {
 
+// Where a point of obj is drawn when one of its smart parents is drawn through a map (rows of
+// a round list shrink toward the edges).
+void mapPoint(Evas_Object *obj, int *x, int *y) {
+    for (Evas_Object *p = evas_object_smart_parent_get(obj); p;
+         p = evas_object_smart_parent_get(p)) {
+        const Evas_Map *map = evas_object_map_enable_get(p) ? evas_object_map_get(p) : nullptr;
+        if (!map)
+            continue;
+        int px, py, pw, ph;
+        evas_object_geometry_get(p, &px, &py, &pw, &ph);
+        Evas_Coord ax, ay, bx, by, cx, cy;
+        evas_map_point_coord_get(map, 0, &ax, &ay, nullptr);
+        evas_map_point_coord_get(map, 1, &bx, &by, nullptr);
+        evas_map_point_coord_get(map, 3, &cx, &cy, nullptr);
+        double u = pw > 0 ? static_cast<double>(*x - px) / pw : 0;
+        double v = ph > 0 ? static_cast<double>(*y - py) / ph : 0;
+        *x = static_cast<int>(std::lround(ax + u * (bx - ax) + v * (cx - ax)));
+        *y = static_cast<int>(std::lround(ay + u * (by - ay) + v * (cy - ay)));
+        return;
+    }
+}
+
 void collectTextBoxes(Evas_Object *obj, nlohmann::json *boxes, int depth = 0) {
     if (!obj || depth > evas_tree::kMaxDepth || !evas_object_visible_get(obj))
         return;
@@ -755,6 +778,11 @@ void collectTextBoxes(Evas_Object *obj, nlohmann::json *boxes, int depth = 0) {
         const char *text = evas_object_textblock_text_markup_get(obj);
         int x, y, w, h;
         evas_object_geometry_get(obj, &x, &y, &w, &h);
+        int right = x + w, bottom = y + h;
+        mapPoint(obj, &x, &y);
+        mapPoint(obj, &right, &bottom);
+        w = right - x;
+        h = bottom - y;
         // What shows of the block is what its clippers let through.
         for (Evas_Object *clip = evas_object_clip_get(obj); clip;
              clip = evas_object_clip_get(clip)) {
