@@ -1,5 +1,7 @@
-// Every page pushed onto the About list and popped again, many times over: resident memory
-// and the number of live signal subscriptions must come back to where they started.
+// Every page pushed onto the About list and popped again, many times over, one of them left at
+// once after a row started another application (its list's input frozen for the launch):
+// resident memory and the numbers of live signal subscriptions and page controllers must come
+// back to where they started.
 // `make test` runs a short version; `make soak` (QUILLSET_SOAK=1) the full one and prints
 // what it measured.
 
@@ -7,6 +9,7 @@
 #include <WSignal.h>
 #include <gtest/gtest.h>
 
+#include <libintl.h>
 #include <malloc.h>
 #include <unistd.h>
 
@@ -17,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "StAppControlLauncher.h"
 #include "StInfoBatteryViewController.h"
 #include "StInfoMainViewController.h"
 #include "StInfoModel.h"
@@ -100,9 +104,40 @@ protected:
 
 }  // namespace
 
+// Page controllers alive, counted by the test's own subclasses of the pages.
+int g_livePages = 0;
+
+template <typename Page>
+class Counted : public Page {
+public:
+    Counted() { ++g_livePages; }
+    ~Counted() override { --g_livePages; }
+};
+
 template <typename Page>
 app_assist::WViewController *make() {
-    return new Page();
+    return new Counted<Page>();
+}
+
+// Taps the device information page's eSIM profile row, which starts the eSIM settings and
+// freezes the list's input for a second; true if the launch froze it.
+bool startEsimSettings(app_assist::WViewController *page) {
+    const std::string label = dgettext("quillset", "WDS_WMGR_MBODY_KESTA_ESIM_PROFILE_ABB");
+    Evas_Object *list = page->getEvasObject();
+    for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item;
+         item = elm_genlist_item_next_get(item)) {
+        const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(item);
+        char *text = itc->func.text_get
+                         ? itc->func.text_get(elm_object_item_data_get(item), list, "elm.text")
+                         : nullptr;
+        bool found = text && label == text;
+        free(text);
+        if (found) {
+            elm_genlist_item_selected_set(item, EINA_TRUE);
+            return StAppControlLauncher::getInstance()->isUiBlocked();
+        }
+    }
+    return false;
 }
 
 TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
@@ -122,6 +157,7 @@ TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
     struct Cycler {
         WNaviframeController *naviframe;
         const std::vector<Page> *pages;
+        bool launchedAndLeft = false;
         int cyclesLeft = 0;
         size_t page = 0;
         bool pushed = false;
@@ -137,6 +173,9 @@ TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
             self->job = nullptr;
             if (self->pushed) {
                 self->pushed = false;
+                // The device information page is left at once after a launch from it.
+                if (self->page == 0)
+                    self->launchedAndLeft = startEsimSettings(self->naviframe->getTopView());
                 self->failed = self->failed || !self->naviframe->pop();
                 return;
             }
@@ -186,27 +225,32 @@ TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
     struct Measure {
         long rssKb, heapKb;
         size_t listeners;
+        int pages;
     };
     // Runs the cycles, then lets the toolkit finish and the allocator give back what it can.
     auto runAndMeasure = [this, &cycler](int n) {
         cycler.run(n);
         settle(0.1);
         malloc_trim(0);
-        return Measure{residentKb(), heapInUseKb(), liveListeners()};
+        return Measure{residentKb(), heapInUseKb(), liveListeners(), g_livePages};
     };
     // Fonts, theme groups and the toolkit's caches fill during the first cycles.
     Measure before = runAndMeasure(warmUp);
     ASSERT_FALSE(cycler.failed);
     Measure after = runAndMeasure(cycles);
     ASSERT_FALSE(cycler.failed);
+    EXPECT_TRUE(cycler.launchedAndLeft) << "no launch froze the device information page";
     printf(
         "push/pop: %d cycles of %zu pages: resident memory %ld kB before, %ld kB after; "
-        "heap in use %ld kB before, %ld kB after; live signal listeners %zu before, %zu after\n",
+        "heap in use %ld kB before, %ld kB after; live signal listeners %zu before, %zu after; "
+        "live pages %d before, %d after\n",
         cycles, pages.size(), before.rssKb, after.rssKb, before.heapKb, after.heapKb,
-        before.listeners, after.listeners);
+        before.listeners, after.listeners, before.pages, after.pages);
     // The main list keeps its three subscriptions; pages keep none once popped.
     EXPECT_EQ(before.listeners, 3u);
     EXPECT_EQ(after.listeners, before.listeners);
+    EXPECT_EQ(before.pages, 0);
+    EXPECT_EQ(after.pages, 0) << "page controllers outlive their pages";
     if (kMemoryComparable) {
         EXPECT_LT(after.rssKb - before.rssKb, 4096) << "memory grows with every push and pop";
     }

@@ -60,7 +60,7 @@ protected:
     virtual void onSetMoreButton(Evas_Object *moreButton);
 
 private:
-    static void _objDelCb(void *data, Evas *evas, Evas_Object *obj, void *eventInfo);
+    static void _objDelCb(void *data, const Efl_Event *event);
     void _popupDestroyed(WPopupController *popup);
 
     Evas_Object *_obj;

@@ -30,11 +30,11 @@ protected:
     virtual Evas_Object *onCreateWin(const char *name, Elm_Win_Type type);
 
 private:
-    static void _winDelCb(void *data, Evas *evas, Evas_Object *obj, void *eventInfo);
+    static void _winDelCb(void *data, const Efl_Event *event);
     static void _deleteRequestCb(void *data, Evas_Object *obj, void *eventInfo);
     static Eina_Bool _fitToScreenCb(void *data);
     static Eina_Bool _mappedCb(void *data, int type, void *event);
-    static void _baseViewDelCb(void *data, Evas *evas, Evas_Object *obj, void *eventInfo);
+    static void _baseViewDelCb(void *data, const Efl_Event *event);
 
     std::string _name;
     Elm_Win_Type _type;

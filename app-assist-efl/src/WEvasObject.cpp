@@ -26,7 +26,7 @@ WEvasObjectWeakPtr wevasobject_get_weak_ptr(Evas_Object *obj) {
         evas_object_data_set(obj, kHolderKey, holder);
         // At the object level: the toolkit skips the EVAS_CALLBACK_DEL of an object whose
         // input is frozen, and a weak pointer must expire all the same.
-        efl_event_callback_add(obj, EFL_EVENT_DEL, WEvasObjectHolder::delCb, holder);
+        efl_event_callback_add(obj, EFL_EVENT_INVALIDATE, WEvasObjectHolder::delCb, holder);
     }
     return holder->object;
 }

@@ -10,7 +10,7 @@ WViewController::WViewController() : _obj(nullptr), _naviframe(nullptr), _popup(
 WViewController::~WViewController() {
     if (_obj) {
         // Deleted directly rather than through its view: the view must not call back.
-        evas_object_event_callback_del_full(_obj, EVAS_CALLBACK_DEL, _objDelCb, this);
+        efl_event_callback_del(_obj, EFL_EVENT_INVALIDATE, _objDelCb, this);
         Evas_Object *obj = _obj;
         _obj = nullptr;
         evas_object_del(obj);
@@ -34,7 +34,9 @@ bool WViewController::create(Evas_Object *parent, void *viewParam) {
         return false;
     }
     _obj = obj;
-    evas_object_event_callback_add(_obj, EVAS_CALLBACK_DEL, _objDelCb, this);
+    // Heard at the object level: a view whose input is frozen (a launch in progress) is
+    // deleted without its EVAS_CALLBACK_DEL.
+    efl_event_callback_add(_obj, EFL_EVENT_INVALIDATE, _objDelCb, this);
     onCreated();
     return true;
 }
@@ -99,7 +101,7 @@ void WViewController::onSetAsPageContent(Elm_Object_Item *) {}
 
 void WViewController::onSetMoreButton(Evas_Object *) {}
 
-void WViewController::_objDelCb(void *data, Evas *, Evas_Object *, void *) {
+void WViewController::_objDelCb(void *data, const Efl_Event *) {
     auto *self = static_cast<WViewController *>(data);
     if (WPopupController *popup = self->_popup) {
         popup->_owner = nullptr;

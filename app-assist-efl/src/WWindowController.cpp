@@ -37,7 +37,7 @@ WWindowController::~WWindowController() {
     if (_mapHandler)
         ecore_event_handler_del(_mapHandler);
     if (_win) {
-        evas_object_event_callback_del_full(_win, EVAS_CALLBACK_DEL, _winDelCb, this);
+        efl_event_callback_del(_win, EFL_EVENT_INVALIDATE, _winDelCb, this);
         Evas_Object *win = _win;
         _win = nullptr;
         evas_object_del(win);
@@ -70,7 +70,7 @@ bool WWindowController::create() {
         WERROR("window %s could not be created", _name.c_str());
         return false;
     }
-    evas_object_event_callback_add(_win, EVAS_CALLBACK_DEL, _winDelCb, this);
+    efl_event_callback_add(_win, EFL_EVENT_INVALIDATE, _winDelCb, this);
     evas_object_smart_callback_add(_win, "delete,request", _deleteRequestCb, this);
     evas_object_show(_win);
     // Without a window manager an X window stays withdrawn and the toolkit never draws it;
@@ -115,16 +115,16 @@ bool WWindowController::attachBaseViewController(WViewController *view) {
     evas_object_size_hint_weight_set(obj, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
     elm_win_resize_object_add(_win, obj);
     evas_object_show(obj);
-    evas_object_event_callback_add(obj, EVAS_CALLBACK_DEL, _baseViewDelCb, this);
+    efl_event_callback_add(obj, EFL_EVENT_INVALIDATE, _baseViewDelCb, this);
     _baseView = view;
     return true;
 }
 
-void WWindowController::_baseViewDelCb(void *data, Evas *, Evas_Object *, void *) {
+void WWindowController::_baseViewDelCb(void *data, const Efl_Event *) {
     static_cast<WWindowController *>(data)->_baseView = nullptr;
 }
 
-void WWindowController::_winDelCb(void *data, Evas *, Evas_Object *, void *) {
+void WWindowController::_winDelCb(void *data, const Efl_Event *) {
     auto *self = static_cast<WWindowController *>(data);
     self->_win = nullptr;
 }

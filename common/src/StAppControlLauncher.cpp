@@ -36,7 +36,7 @@ bool StAppControlLauncher::sendLaunchRequest(app_control_h request, app_control_
             _timer = ecore_timer_add(timeout, _timeOutCb, this);
             // The toolkit runs no EVAS_CALLBACK_DEL of an object whose input is frozen: the
             // deletion is heard at the object level instead.
-            efl_event_callback_add(obj, EFL_EVENT_DEL, _evasObjDelCb, this);
+            efl_event_callback_add(obj, EFL_EVENT_INVALIDATE, _evasObjDelCb, this);
         }
     }
 
@@ -63,7 +63,7 @@ void StAppControlLauncher::_thaw() {
     if (blocked && blocked->getEvasObject()) {
         Evas_Object *obj = blocked->getEvasObject();
         evas_object_freeze_events_set(obj, EINA_FALSE);
-        efl_event_callback_del(obj, EFL_EVENT_DEL, _evasObjDelCb, this);
+        efl_event_callback_del(obj, EFL_EVENT_INVALIDATE, _evasObjDelCb, this);
         _blockedObject.reset();
     }
 }

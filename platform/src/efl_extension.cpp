@@ -63,7 +63,7 @@ struct _Eext_Circle_Surface {
 
 namespace {
 
-void surfaceContainerDelCb(void *data, Evas *, Evas_Object *, void *) {
+void surfaceContainerDelCb(void *data, const Efl_Event *) {
     delete static_cast<_Eext_Circle_Surface *>(data);
 }
 
@@ -75,8 +75,10 @@ Eext_Circle_Surface *surfaceAdd(Evas_Object *container) {
         return nullptr;
     }
     auto *surface = new _Eext_Circle_Surface{container};
-    // The platform frees a surface with the object that carries it.
-    evas_object_event_callback_add(container, EVAS_CALLBACK_DEL, surfaceContainerDelCb, surface);
+    // The platform frees a surface with the object that carries it. Deletions are heard at the
+    // object level throughout: the toolkit skips the EVAS_CALLBACK_DEL of an object whose input
+    // is frozen, as a launch freezes a list.
+    efl_event_callback_add(container, EFL_EVENT_INVALIDATE, surfaceContainerDelCb, surface);
     return surface;
 }
 
@@ -158,7 +160,7 @@ void languageChangedCb(void *, Evas_Object *genlist, void *) {
     elm_genlist_realized_items_update(genlist);
 }
 
-void circleTargetDelCb(void *data, Evas *, Evas_Object *, void *) {
+void circleTargetDelCb(void *data, const Efl_Event *) {
     auto *circle = static_cast<CircleObject *>(data);
     circle->target = nullptr;
     if (circle->bar) {
@@ -169,13 +171,13 @@ void circleTargetDelCb(void *data, Evas *, Evas_Object *, void *) {
     }
 }
 
-void circleBarDelCb(void *data, Evas *, Evas_Object *obj, void *) {
+void circleBarDelCb(void *data, const Efl_Event *event) {
+    Evas_Object *obj = event->object;
     auto *circle = static_cast<CircleObject *>(data);
     if (g_rotaryObject == obj)
         g_rotaryObject = nullptr;
     if (circle->target) {
-        evas_object_event_callback_del_full(circle->target, EVAS_CALLBACK_DEL, circleTargetDelCb,
-                                            circle);
+        efl_event_callback_del(circle->target, EFL_EVENT_INVALIDATE, circleTargetDelCb, circle);
         evas_object_smart_callback_del_full(circle->target, "scroll", scrollCb, circle);
         evas_object_smart_callback_del_full(circle->target, "realized", scrollCb, circle);
     }
@@ -199,8 +201,8 @@ Evas_Object *circleAdd(Evas_Object *target, CircleKind kind) {
     evas_object_raise(bar);
     circle->bar = bar;
     evas_object_data_set(bar, kCircleKey, circle);
-    evas_object_event_callback_add(bar, EVAS_CALLBACK_DEL, circleBarDelCb, circle);
-    evas_object_event_callback_add(target, EVAS_CALLBACK_DEL, circleTargetDelCb, circle);
+    efl_event_callback_add(bar, EFL_EVENT_INVALIDATE, circleBarDelCb, circle);
+    efl_event_callback_add(target, EFL_EVENT_INVALIDATE, circleTargetDelCb, circle);
     evas_object_smart_callback_add(target, "scroll", scrollCb, circle);
     evas_object_smart_callback_add(target, "realized", scrollCb, circle);
     if (kind == CircleKind::Genlist)
@@ -276,7 +278,7 @@ struct ScrollTarget {
     double time;
 };
 
-void scrollTargetFree(void *data, Evas *, Evas_Object *, void *) {
+void scrollTargetFree(void *data, const Efl_Event *) {
     delete static_cast<ScrollTarget *>(data);
 }
 
@@ -287,7 +289,7 @@ void rotateScroller(Evas_Object *scroller, bool clockwise) {
     if (!target) {
         target = new ScrollTarget{0, 0};
         evas_object_data_set(scroller, key, target);
-        evas_object_event_callback_add(scroller, EVAS_CALLBACK_DEL, scrollTargetFree, target);
+        efl_event_callback_add(scroller, EFL_EVENT_INVALIDATE, scrollTargetFree, target);
     }
     Evas_Coord x = 0, y = 0, w = 0, h = 0, cw = 0, ch = 0;
     elm_interface_scrollable_content_region_get(scroller, &x, &y, &w, &h);
@@ -378,7 +380,8 @@ void keyDownCb(void *, Evas *, Evas_Object *, void *eventInfo) {
     ev->event_flags = static_cast<Evas_Event_Flags>(ev->event_flags | EVAS_EVENT_FLAG_ON_HOLD);
 }
 
-void keyObjectDelCb(void *, Evas *, Evas_Object *obj, void *) {
+void keyObjectDelCb(void *, const Efl_Event *event) {
+    Evas_Object *obj = event->object;
     g_keyCallbacks.erase(std::remove_if(g_keyCallbacks.begin(), g_keyCallbacks.end(),
                                         [obj](const KeyCallback &cb) { return cb.obj == obj; }),
                          g_keyCallbacks.end());
@@ -391,8 +394,8 @@ void keyObjectDelCb(void *, Evas *, Evas_Object *obj, void *) {
 }
 
 void watchDeletion(Evas_Object *obj) {
-    evas_object_event_callback_del(obj, EVAS_CALLBACK_DEL, keyObjectDelCb);
-    evas_object_event_callback_add(obj, EVAS_CALLBACK_DEL, keyObjectDelCb, nullptr);
+    efl_event_callback_del(obj, EFL_EVENT_INVALIDATE, keyObjectDelCb, nullptr);
+    efl_event_callback_add(obj, EFL_EVENT_INVALIDATE, keyObjectDelCb, nullptr);
 }
 
 }  // namespace
@@ -414,8 +417,8 @@ Eext_Circle_Surface *eext_circle_surface_layout_add(Evas_Object *layout) {
 void eext_circle_surface_del(Eext_Circle_Surface *surface) {
     if (!surface)
         return;
-    evas_object_event_callback_del_full(surface->container, EVAS_CALLBACK_DEL,
-                                        surfaceContainerDelCb, surface);
+    efl_event_callback_del(surface->container, EFL_EVENT_INVALIDATE, surfaceContainerDelCb,
+                           surface);
     delete surface;
 }
 

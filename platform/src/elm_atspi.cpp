@@ -14,6 +14,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
@@ -56,6 +57,15 @@ void releaseAnswers(void *, const Efl_Event *event) {
     eina_stringshare_del(static_cast<const char *>(efl_key_data_get(event->object, kDescTextKey)));
 }
 
+// Upstream answers the name set, translated in the object's domain if it has one.
+bool readsItsOwnName(const Eo *obj, const char *name) {
+    if (!name || !*name)
+        return false;
+    const char *read = efl_access_object_i18n_name_get(obj);
+    const char *domain = efl_access_object_translation_domain_get(obj);
+    return read && (!strcmp(read, name) || (domain && !strcmp(read, dgettext(domain, name))));
+}
+
 // The AT-SPI bridge asks the object itself, so the object answers as the watch would.
 void answerAsTheWatch(Eo *obj) {
     if (efl_key_data_get(obj, kAnswersKey))
@@ -67,7 +77,7 @@ void answerAsTheWatch(Eo *obj) {
     if (!efl_object_override(obj, &ops))
         return;
     efl_key_data_set(obj, kAnswersKey, obj);
-    efl_event_callback_add(obj, EFL_EVENT_DEL, releaseAnswers, nullptr);
+    efl_event_callback_add(obj, EFL_EVENT_INVALIDATE, releaseAnswers, nullptr);
 }
 
 // Upstream reads nothing into an unset mask; the watch reads everything.
@@ -81,6 +91,11 @@ void elm_atspi_accessible_name_set(Elm_Interface_Atspi_Accessible *obj, const ch
     if (!valid(obj))
         return;
     efl_access_object_i18n_name_set(obj, name);
+    // Most classes read a name set on them (pages' frames among them); an object answers as
+    // the watch only where upstream would not, as Eo keeps a record of every object whose
+    // answers are overridden until the process ends.
+    if (!efl_key_data_get(obj, kAnswersKey) && readsItsOwnName(obj, name))
+        return;
     answerAsTheWatch(obj);
     auto *kept = static_cast<const char *>(efl_key_data_get(obj, kNameKey));
     eina_stringshare_replace(&kept, name);

@@ -125,7 +125,7 @@ void bottomMarginJob(void *data) {
     elm_genlist_item_select_mode_set(margin->item, ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY);
 }
 
-void bottomMarginDelCb(void *data, Evas *, Evas_Object *, void *) {
+void bottomMarginDelCb(void *data, const Efl_Event *) {
     auto *margin = static_cast<BottomMargin *>(data);
     if (margin->job)
         ecore_job_del(margin->job);
@@ -230,15 +230,17 @@ void uxt_genlist_set_bottom_margin_enabled(Evas_Object *genlist, bool enabled) {
     if (enabled && !margin) {
         margin = new BottomMargin{genlist, nullptr, nullptr};
         evas_object_data_set(genlist, kBottomMarginKey, margin);
-        evas_object_event_callback_add(genlist, EVAS_CALLBACK_DEL, bottomMarginDelCb, margin);
+        // Heard at the object level: a list whose input is frozen by a launch is deleted
+        // without its EVAS_CALLBACK_DEL.
+        efl_event_callback_add(genlist, EFL_EVENT_INVALIDATE, bottomMarginDelCb, margin);
         // The list is still being filled: the margin goes after its last row.
         margin->job = ecore_job_add(bottomMarginJob, margin);
     } else if (!enabled && margin) {
-        evas_object_event_callback_del_full(genlist, EVAS_CALLBACK_DEL, bottomMarginDelCb, margin);
+        efl_event_callback_del(genlist, EFL_EVENT_INVALIDATE, bottomMarginDelCb, margin);
         evas_object_data_del(genlist, kBottomMarginKey);
         if (margin->item)
             elm_object_item_del(margin->item);
-        bottomMarginDelCb(margin, nullptr, genlist, nullptr);
+        bottomMarginDelCb(margin, nullptr);
     }
 }
 

@@ -16,8 +16,10 @@ template <typename Signature>
 class WSignal;
 
 // A signal that models emit and views listen to. A subscription may be bound to an Evas object
-// and then ends by itself when that object is deleted. Listeners may subscribe and unsubscribe
-// (themselves or others) while the signal is being emitted.
+// and then ends by itself when that object is deleted, whether or not the object's input is
+// frozen at the time (the toolkit skips EVAS_CALLBACK_DEL then, so the object-level
+// invalidation is heard instead). Listeners may subscribe and unsubscribe (themselves or
+// others) while the signal is being emitted.
 template <typename... Args>
 class WSignal<void(Args...)> {
 public:
@@ -27,8 +29,8 @@ public:
         for (auto &entry : _listeners) {
             ListenerInfo *info = entry.second;
             if (info->boundObject)
-                evas_object_event_callback_del_full(info->boundObject, EVAS_CALLBACK_DEL,
-                                                    _onBoundObjectDeleted, info);
+                efl_event_callback_del(info->boundObject, EFL_EVENT_INVALIDATE,
+                                       _onBoundObjectDeleted, info);
             if (_emitting)
                 info->removed = true;
         }
@@ -62,8 +64,8 @@ public:
         }
         ListenerInfo *info = it->second;
         if (info->boundObject)
-            evas_object_event_callback_del_full(info->boundObject, EVAS_CALLBACK_DEL,
-                                                _onBoundObjectDeleted, info);
+            efl_event_callback_del(info->boundObject, EFL_EVENT_INVALIDATE, _onBoundObjectDeleted,
+                                   info);
         if (_emitting) {
             info->removed = true;
         } else {
@@ -114,19 +116,19 @@ private:
         if (it != _listeners.end()) {
             ListenerInfo *old = it->second;
             if (old->boundObject)
-                evas_object_event_callback_del_full(old->boundObject, EVAS_CALLBACK_DEL,
-                                                    _onBoundObjectDeleted, old);
+                efl_event_callback_del(old->boundObject, EFL_EVENT_INVALIDATE,
+                                       _onBoundObjectDeleted, old);
             delete old;
             it->second = info;
         } else {
             _listeners.emplace(info->id, info);
         }
         if (info->boundObject)
-            evas_object_event_callback_add(info->boundObject, EVAS_CALLBACK_DEL,
-                                           _onBoundObjectDeleted, info);
+            efl_event_callback_add(info->boundObject, EFL_EVENT_INVALIDATE, _onBoundObjectDeleted,
+                                   info);
     }
 
-    static void _onBoundObjectDeleted(void *data, Evas *, Evas_Object *, void *) {
+    static void _onBoundObjectDeleted(void *data, const Efl_Event *) {
         auto *info = static_cast<ListenerInfo *>(data);
         // The object is going away: its callback list must not be touched again.
         info->boundObject = nullptr;

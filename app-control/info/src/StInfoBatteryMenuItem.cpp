@@ -8,6 +8,7 @@
 
 #include "StInfoBatteryModel.h"
 #include "StInfoDefines.h"
+#include "StInfoValueText.h"
 
 StInfoBatteryMenuItem::StInfoBatteryMenuItem(ItemType type) : _type(type) {}
 
@@ -49,7 +50,5 @@ char *StInfoBatteryMenuItem::_textGetCb(void *data, Evas_Object *, const char *p
     }
     if (label)
         return strdup(dgettext(ST_INFO_TEXT_DOMAIN, text.c_str()));
-    // Values come from the device and are shown as they are, markup characters included.
-    char *markup = elm_entry_utf8_to_markup(dgettext(ST_INFO_TEXT_DOMAIN, text.c_str()));
-    return markup ? markup : strdup("");
+    return shownValueMarkup(text);
 }

@@ -8,6 +8,7 @@
 
 #include "StInfoDefines.h"
 #include "StInfoModel.h"
+#include "StInfoValueText.h"
 
 StInfoGeneralMenuItem::StInfoGeneralMenuItem(int type) : _type(type) {}
 
@@ -44,10 +45,7 @@ char *StInfoGeneralMenuItem::_textGetCb(void *data, Evas_Object *, const char *p
             value = StInfoModel::getInstance()->getStorageUsageText();
         else
             return nullptr;
-        // Real values pass through unchanged; the unknown-value id becomes its text. The model
-        // name comes from the device and is shown as it is, markup characters included.
-        char *markup = elm_entry_utf8_to_markup(dgettext(ST_INFO_TEXT_DOMAIN, value.c_str()));
-        return markup ? markup : strdup("");
+        return shownValueMarkup(value);
     }
     return nullptr;
 }

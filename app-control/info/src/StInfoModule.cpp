@@ -20,7 +20,11 @@ struct BackgroundLoad {
 }  // namespace
 
 StInfoModule::StInfoModule(const char *name)
-    : _name(name ? name : ""), _handle(nullptr), _backgroundStarted(false), _thread(nullptr) {}
+    : _name(name ? name : ""),
+      _handle(nullptr),
+      _backgroundStarted(false),
+      _backgroundStuck(false),
+      _thread(nullptr) {}
 
 StInfoModule::~StInfoModule() {
     // The library stays: objects it made may outlive this handle.
@@ -56,9 +60,9 @@ bool StInfoModule::_load() {
 void *StInfoModule::symbol(const char *entry) {
     if (!entry)
         return nullptr;
-    // A worker still inside the library's start-up is waited for, not raced.
-    finishBackground();
-    if (!_load())
+    // A worker still inside the library's start-up is waited for, not raced; one that hangs
+    // there leaves the caller without the library rather than freezing the screen again.
+    if (!finishBackground() || !_load())
         return nullptr;
     void *address = dlsym(_handle, entry);
     if (!address) {
@@ -84,10 +88,17 @@ void StInfoModule::loadInBackground(const char *warmUpEntry) {
     }
 }
 
-void StInfoModule::finishBackground() {
+bool StInfoModule::finishBackground() {
     // The end callback clears _thread; waiting runs it.
-    if (_thread && !ecore_thread_wait(_thread, 10.0))
-        ST_ERR("%s: the background load did not end", _name.c_str());
+    if (!_thread)
+        return true;
+    if (_backgroundStuck)
+        return false;
+    if (ecore_thread_wait(_thread, 10.0))
+        return true;
+    _backgroundStuck = true;
+    ST_ERR("%s: the background load did not end", _name.c_str());
+    return false;
 }
 
 void StInfoModule::_backgroundLoadCb(void *data, Ecore_Thread *) {

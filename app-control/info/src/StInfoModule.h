@@ -21,8 +21,9 @@ public:
     // first symbol() finds it ready without holding up the main loop meanwhile.
     void loadInBackground(const char *warmUpEntry);
     // Waits for a background load still under way: the process must not end while a worker
-    // thread is inside the library's start-up.
-    void finishBackground();
+    // thread is inside the library's start-up. A load that does not end in time is waited for
+    // once; false while it is still under way.
+    bool finishBackground();
 
     StInfoModule(const StInfoModule &) = delete;
     StInfoModule &operator=(const StInfoModule &) = delete;
@@ -36,6 +37,7 @@ private:
     std::string _name;
     void *_handle;
     bool _backgroundStarted;
+    bool _backgroundStuck;
     Ecore_Thread *_thread;
 };
 

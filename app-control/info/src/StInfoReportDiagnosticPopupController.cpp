@@ -20,10 +20,13 @@ const char *const kReportAppId = "com.nerova.quillset.report";
 
 StInfoReportDiagnosticPopupController::StInfoReportDiagnosticPopupController(
     Evas_Object *rotaryOwner)
-    : _textAccessObject(nullptr), _seeAllButton(nullptr), _rotaryOwner(rotaryOwner) {}
+    : _textAccessObject(nullptr),
+      _seeAllButton(nullptr),
+      _rotaryOwner(app_assist::wevasobject_get_weak_ptr(rotaryOwner)) {}
 
 StInfoReportDiagnosticPopupController::~StInfoReportDiagnosticPopupController() {
-    eext_rotary_object_event_activated_set(_rotaryOwner, EINA_TRUE);
+    if (auto owner = _rotaryOwner.lock())
+        eext_rotary_object_event_activated_set(owner->getEvasObject(), EINA_TRUE);
 }
 
 std::string StInfoReportDiagnosticPopupController::consentText() {
@@ -42,16 +45,13 @@ std::string StInfoReportDiagnosticPopupController::consentText() {
     return buffer;
 }
 
-char *StInfoReportDiagnosticPopupController::_descriptionCb(void *, Evas_Object *) {
-    return strdup(consentText().c_str());
-}
-
 Evas_Object *StInfoReportDiagnosticPopupController::onCreateView(Evas_Object *parent,
                                                                  void *viewParam) {
     setContent([this](Evas_Object *popupParent) { return _createBody(popupParent); });
     setOnAddProperties([](Evas_Object *popup) {
         setCirclePopupProperties(popup);
-        elm_atspi_accessible_description_cb_set(popup, _descriptionCb, nullptr);
+        // The text is read once, as the popup's first stop (its text object); the popup
+        // itself is announced without a name or a description of its own.
         elm_atspi_accessible_reading_info_type_set(popup,
                                                    ELM_ACCESSIBLE_READING_INFO_TYPE_DESCRIPTION);
     });
@@ -96,7 +96,7 @@ Evas_Object *StInfoReportDiagnosticPopupController::_createBody(Evas_Object *par
         elm_atspi_accessible_can_highlight_set(layout, EINA_FALSE);
         _textAccessObject = elm_access_object_register(textPart, parent);
         // The access object must let go of the text part before the layout deletes it.
-        evas_object_event_callback_add(layout, EVAS_CALLBACK_DEL, _bodyDelCb, this);
+        efl_event_callback_add(layout, EFL_EVENT_INVALIDATE, _bodyDelCb, this);
         elm_atspi_accessible_description_set(_textAccessObject, text.c_str());
         elm_atspi_accessible_reading_info_type_set(_textAccessObject,
                                                    ELM_ACCESSIBLE_READING_INFO_TYPE_DESCRIPTION);
@@ -129,15 +129,14 @@ void StInfoReportDiagnosticPopupController::_releaseBody(Evas_Object *layout) {
     _seeAllButton = nullptr;
 }
 
-void StInfoReportDiagnosticPopupController::_bodyDelCb(void *data, Evas *, Evas_Object *layout,
-                                                       void *) {
-    static_cast<StInfoReportDiagnosticPopupController *>(data)->_releaseBody(layout);
+void StInfoReportDiagnosticPopupController::_bodyDelCb(void *data, const Efl_Event *event) {
+    static_cast<StInfoReportDiagnosticPopupController *>(data)->_releaseBody(event->object);
 }
 
 void StInfoReportDiagnosticPopupController::onDestroy() {
     // The popup goes first and its body after it, when this controller is gone already.
     if (Evas_Object *layout = getContentObject()) {
-        evas_object_event_callback_del_full(layout, EVAS_CALLBACK_DEL, _bodyDelCb, this);
+        efl_event_callback_del(layout, EFL_EVENT_INVALIDATE, _bodyDelCb, this);
         _releaseBody(layout);
     }
     WPopupController::onDestroy();

@@ -1,6 +1,7 @@
 #ifndef _ST_INFO_REPORT_DIAGNOSTIC_POPUP_CONTROLLER_H_
 #define _ST_INFO_REPORT_DIAGNOSTIC_POPUP_CONTROLLER_H_
 
+#include <WEvasObject.h>
 #include <WPopupController.h>
 
 #include <string>
@@ -21,14 +22,14 @@ protected:
 
 private:
     Evas_Object *_createBody(Evas_Object *parent);
-    static char *_descriptionCb(void *data, Evas_Object *obj);
     void _releaseBody(Evas_Object *layout);
-    static void _bodyDelCb(void *data, Evas *evas, Evas_Object *layout, void *eventInfo);
+    static void _bodyDelCb(void *data, const Efl_Event *event);
     static void _seeAllClickedCb(void *data, Evas_Object *obj, void *eventInfo);
 
     Evas_Object *_textAccessObject;
     Evas_Object *_seeAllButton;
-    Evas_Object *_rotaryOwner;
+    // Weak: the window may be torn down, the list with it, while the popup is still open.
+    app_assist::WEvasObjectWeakPtr _rotaryOwner;
 };
 
 #endif

@@ -11,7 +11,7 @@ StInfoSwitchItem::StInfoSwitchItem() : _check(nullptr) {}
 
 StInfoSwitchItem::~StInfoSwitchItem() {
     if (_check)
-        evas_object_event_callback_del_full(_check, EVAS_CALLBACK_DEL, _checkDelCb, this);
+        efl_event_callback_del(_check, EFL_EVENT_INVALIDATE, _checkDelCb, this);
 }
 
 void StInfoSwitchItem::setOnSelect(std::function<void()> action) {
@@ -68,15 +68,15 @@ Evas_Object *StInfoSwitchItem::_contentGetCb(void *data, Evas_Object *obj, const
     elm_object_signal_emit(check, "elm,event,pass,enabled", "elm");
     elm_check_state_set(check, self->_isOn() ? EINA_TRUE : EINA_FALSE);
     if (self->_check)
-        evas_object_event_callback_del_full(self->_check, EVAS_CALLBACK_DEL, _checkDelCb, self);
+        efl_event_callback_del(self->_check, EFL_EVENT_INVALIDATE, _checkDelCb, self);
     self->_check = check;
-    evas_object_event_callback_add(check, EVAS_CALLBACK_DEL, _checkDelCb, self);
+    efl_event_callback_add(check, EFL_EVENT_INVALIDATE, _checkDelCb, self);
     return check;
 }
 
-void StInfoSwitchItem::_checkDelCb(void *data, Evas *, Evas_Object *obj, void *) {
+void StInfoSwitchItem::_checkDelCb(void *data, const Efl_Event *event) {
     // The list dropped the row's content: later state changes must not reach a stale check.
     auto *self = static_cast<StInfoSwitchItem *>(data);
-    if (self->_check == obj)
+    if (self->_check == event->object)
         self->_check = nullptr;
 }

@@ -24,7 +24,7 @@ protected:
 private:
     static char *_textGetCb(void *data, Evas_Object *obj, const char *part);
     static Evas_Object *_contentGetCb(void *data, Evas_Object *obj, const char *part);
-    static void _checkDelCb(void *data, Evas *evas, Evas_Object *obj, void *eventInfo);
+    static void _checkDelCb(void *data, const Efl_Event *event);
 
     std::function<void()> _onSelect;
     // Belongs to the list and lives only while the row is realised.

@@ -7,10 +7,11 @@
 #include "StInfoPopupUtils.h"
 
 StInfoUSBDebuggingPopupController::StInfoUSBDebuggingPopupController(Evas_Object *rotaryOwner)
-    : _rotaryOwner(rotaryOwner) {}
+    : _rotaryOwner(app_assist::wevasobject_get_weak_ptr(rotaryOwner)) {}
 
 StInfoUSBDebuggingPopupController::~StInfoUSBDebuggingPopupController() {
-    eext_rotary_object_event_activated_set(_rotaryOwner, EINA_TRUE);
+    if (auto owner = _rotaryOwner.lock())
+        eext_rotary_object_event_activated_set(owner->getEvasObject(), EINA_TRUE);
 }
 
 Evas_Object *StInfoUSBDebuggingPopupController::onCreateView(Evas_Object *parent, void *viewParam) {

@@ -1,6 +1,7 @@
 #ifndef _ST_INFO_USB_DEBUGGING_POPUP_CONTROLLER_H_
 #define _ST_INFO_USB_DEBUGGING_POPUP_CONTROLLER_H_
 
+#include <WEvasObject.h>
 #include <WPopupController.h>
 
 // Asks before USB debugging is switched on.
@@ -14,7 +15,8 @@ protected:
     Evas_Object *onCreateView(Evas_Object *parent, void *viewParam) override;
 
 private:
-    Evas_Object *_rotaryOwner;
+    // Weak: the window may be torn down, the list with it, while the popup is still open.
+    app_assist::WEvasObjectWeakPtr _rotaryOwner;
 };
 
 #endif

@@ -8,17 +8,7 @@
 
 #include "StInfoDefines.h"
 #include "StInfoSwModel.h"
-
-namespace {
-
-// Versions come from the device and may hold characters that a text block would read as
-// markup; they are shown as they are.
-char *valueText(const std::string &value) {
-    char *markup = elm_entry_utf8_to_markup(dgettext(ST_INFO_TEXT_DOMAIN, value.c_str()));
-    return markup ? markup : strdup("");
-}
-
-}  // namespace
+#include "StInfoValueText.h"
 
 StInfoSwMenuItem::StInfoSwMenuItem(ItemType type) : _type(type) {}
 
@@ -67,11 +57,11 @@ char *StInfoSwMenuItem::_textGetCb(void *data, Evas_Object *, const char *part) 
         StInfoSwModel *model = StInfoSwModel::getInstance();
         switch (self->_type) {
             case TIZEN_VERSION:
-                return valueText(model->getTizenVersion());
+                return shownValueMarkup(model->getTizenVersion());
             case SW_VERSION:
-                return valueText(model->getSwVersionInfo());
+                return shownValueMarkup(model->getSwVersionInfo());
             case SECURITY_STATUS:
-                return valueText(model->getSecurityStatus());
+                return shownValueMarkup(model->getSecurityStatus());
             default:
                 return nullptr;
         }

@@ -1,5 +1,6 @@
 #include "StInfoSwViewController.h"
 
+#include <WEvasObject.h>
 #include <WNaviframeController.h>
 #include <app_control.h>
 #include <efl_extension.h>
@@ -92,6 +93,8 @@ void StInfoSwViewController::_showDevModeToast() {
     evas_object_size_hint_weight_set(toast, EVAS_HINT_EXPAND, EVAS_HINT_EXPAND);
     eext_object_event_callback_add(toast, EEXT_CALLBACK_BACK, _onToastDismiss, nullptr);
     evas_object_smart_callback_add(toast, "dismissed", _onToastGone, nullptr);
+    // At its time-out the popup only hides itself.
+    evas_object_smart_callback_add(toast, "timeout", _onToastGone, nullptr);
     elm_object_part_text_set(
         toast, "elm.text",
         dgettext(ST_INFO_TEXT_DOMAIN, "WDS_ST_TPOP_DEVELOPER_MODE_TURNED_ON_ABB"));
@@ -105,10 +108,22 @@ void StInfoSwViewController::_onToastDismiss(void *, Evas_Object *obj, void *) {
 }
 
 void StInfoSwViewController::_onToastGone(void *, Evas_Object *obj, void *) {
-    // A toast that has gone away is not kept until its parent page closes. It is deleted once
-    // the popup has finished with its own callback.
-    if (obj)
-        ecore_job_add([](void *toast) { evas_object_del(static_cast<Evas_Object *>(toast)); }, obj);
+    // A toast that has gone away is not kept until the application ends. It is deleted once
+    // the popup has finished with its own callback, unless something (a time-out during the
+    // dismissal, the window's end) has deleted it first.
+    if (!obj)
+        return;
+    evas_object_smart_callback_del(obj, "dismissed", _onToastGone);
+    evas_object_smart_callback_del(obj, "timeout", _onToastGone);
+    auto *toast = new app_assist::WEvasObjectWeakPtr(app_assist::wevasobject_get_weak_ptr(obj));
+    ecore_job_add(
+        [](void *data) {
+            auto *weak = static_cast<app_assist::WEvasObjectWeakPtr *>(data);
+            if (auto toast = weak->lock())
+                evas_object_del(toast->getEvasObject());
+            delete weak;
+        },
+        toast);
 }
 
 void StInfoSwViewController::_launchTessidSettings() {

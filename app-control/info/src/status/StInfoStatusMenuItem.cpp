@@ -10,15 +10,12 @@
 
 #include "StInfoDefines.h"
 #include "StInfoStatusModel.h"
+#include "StInfoValueText.h"
 
 namespace {
 
 std::string translated(const std::string &id) {
     return dgettext(ST_INFO_TEXT_DOMAIN, id.c_str());
-}
-
-std::string orUnknown(const std::string &value) {
-    return value.empty() ? ST_UNKNOWN_TEXT : value;
 }
 
 bool isChinaCountry() {
@@ -168,8 +165,7 @@ std::string StInfoStatusMenuItem::valueText() const {
             value = model->getBarcodeNumberInfo();
             break;
     }
-    // An empty message id would look up the catalogue's header: show the unknown text instead.
-    return translated(orUnknown(value));
+    return shownValue(value);
 }
 
 char *StInfoStatusMenuItem::_textGetCb(void *data, Evas_Object *, const char *part) {

@@ -267,18 +267,22 @@ std::string StInfoStatusModel::_getCustomerCode() {
 DBusMessage *StInfoStatusModel::_dbusMethodSyncWithReplyCb(const char *destination,
                                                            const char *path, const char *interface,
                                                            const char *method) {
-    // The shared connection belongs to libdbus; it is never closed here.
+    // The shared connection belongs to libdbus and is never closed here; only the reference
+    // this call took is given back.
     DBusConnection *connection = dbus_bus_get(DBUS_BUS_SYSTEM, nullptr);
     if (!connection)
         return nullptr;
     DBusMessage *message = dbus_message_new_method_call(destination, path, interface, method);
-    if (!message)
+    if (!message) {
+        dbus_connection_unref(connection);
         return nullptr;
+    }
     DBusMessageIter iter;
     dbus_message_iter_init_append(message, &iter);
     DBusError error;
     dbus_error_init(&error);
     DBusMessage *reply = dbus_connection_send_with_reply_and_block(connection, message, -1, &error);
+    dbus_connection_unref(connection);
     if (!reply)
         ST_ERR("dbus_connection_send_with_reply_and_block failed");
     if (dbus_error_is_set(&error)) {

@@ -8,6 +8,7 @@
 
 #include "StInfoDefines.h"
 #include "StInfoTessidModel.h"
+#include "StInfoValueText.h"
 
 StInfoTessidMenuItem::StInfoTessidMenuItem(ItemType type) : _type(type) {}
 
@@ -64,9 +65,7 @@ char *StInfoTessidMenuItem::_textGetCb(void *data, Evas_Object *, const char *pa
             default:
                 return nullptr;
         }
-        // A version from the device is shown as it is, markup characters included.
-        char *markup = elm_entry_utf8_to_markup(dgettext(ST_INFO_TEXT_DOMAIN, value.c_str()));
-        return markup ? markup : strdup("");
+        return shownValueMarkup(value);
     }
     return nullptr;
 }
