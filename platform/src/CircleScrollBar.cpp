@@ -86,7 +86,7 @@ Evas_Object *circleScrollBarAdd(Evas *canvas, void (*update)(void *data), void *
     state->update = update;
     state->data = data;
     evas_object_data_set(bar, kStateKey, state);
-    efl_event_callback_add(bar, EFL_EVENT_DEL, barDelCb, state);
+    efl_event_callback_add(bar, EFL_EVENT_INVALIDATE, barDelCb, state);
     // The list's content may grow or shrink with no scroll at all (a text set, rows added).
     evas_event_callback_add(canvas, EVAS_CALLBACK_RENDER_PRE, renderPreCb, state);
     return bar;

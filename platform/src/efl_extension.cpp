@@ -228,7 +228,7 @@ Evas_Object *findScroller(Evas_Object *obj, int depth = 0);
 void popupBarJob(void *data) {
     auto *popup = static_cast<Evas_Object *>(data);
     auto *job = static_cast<Ecore_Job *>(evas_object_data_del(popup, kPopupBarJobKey));
-    efl_event_callback_del(popup, EFL_EVENT_DEL, popupBarJobCancelCb, job);
+    efl_event_callback_del(popup, EFL_EVENT_INVALIDATE, popupBarJobCancelCb, job);
     Evas_Object *scroller = findScroller(popup);
     if (scroller && !evas_object_data_get(scroller, kPopupBarJobKey)) {
         evas_object_data_set(scroller, kPopupBarJobKey, scroller);
@@ -242,7 +242,7 @@ void popupBarAdd(Evas_Object *popup) {
         return;
     Ecore_Job *job = ecore_job_add(popupBarJob, popup);
     evas_object_data_set(popup, kPopupBarJobKey, job);
-    efl_event_callback_add(popup, EFL_EVENT_DEL, popupBarJobCancelCb, job);
+    efl_event_callback_add(popup, EFL_EVENT_INVALIDATE, popupBarJobCancelCb, job);
 }
 
 // ---- rotary -----------------------------------------------------------------------------
