@@ -14,7 +14,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -23,6 +25,7 @@
 #include <memory>
 #include <sstream>
 
+#include "EvasTree.h"
 #include "PlatformState.h"
 #include "ReadingOrder.h"
 #include "StInfoUSBDebuggingPopupController.h"
@@ -694,6 +697,7 @@ void Driver::finish() {
 namespace {
 const int kTourMaxDepth = 3;
 const int kTourMaxScreens = 200;
+const int kTourMaxPages = 20;
 // A launch freezes the list for a second; the tour waits it out.
 const double kLaunchBlock = 1.1;
 }  // namespace
@@ -729,6 +733,7 @@ void Driver::_tourStep() {
 void Driver::_tourCapture(const std::string &name) {
     ++_tourScreens;
     nlohmann::json screen = _reader.dump(_tourSwitches);
+    screen["text_boxes"] = _textBoxes();
     std::string text = screen.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
     std::cout << text << std::endl;
     std::ofstream(_tourDir + "/" + name + ".json") << text << "\n";
@@ -754,6 +759,7 @@ void Driver::_tourExplore(const std::string &name, int depth) {
     });
     steps.push_back([this, name]() {
         _tourCapture(name);
+        _tourSteps.push_front([this, name]() { return _tourPage(name, 2); });
         return 0.0;
     });
     Evas_Object *list = _reader.topList();
@@ -832,7 +838,122 @@ double Driver::_tourCapturePopup(const std::string &name, double budget, int fra
     }
     _tourSwitches.clear();
     _tourCapture(name);
-    _feedKey("Escape");
+    _tourSteps.push_front([this]() {
+        _feedKey("Escape");
+        return kSettle * 2;
+    });
+    _tourSteps.push_front([this, name]() { return _tourPage(name, 2); });
+    return 0.0;
+}
+
+Evas_Object *Driver::_tourScroller() const {
+    if (app_assist::WPopupController *popup = _reader.topPopup())
+        return evas_tree::findByType(popup->getEvasObject(), "elm_scroller");
+    if (Evas_Object *list = _reader.topList())
+        return list;
+    app_assist::WViewController *view = _reader.topView();
+    return view ? evas_tree::findByType(view->getEvasObject(), "elm_scroller") : nullptr;
+}
+
+namespace {
+
+// Where a point of obj is drawn when one of its smart parents is drawn through a map (rows of
+// a round list shrink toward the edges).
+void mapPoint(Evas_Object *obj, int *x, int *y) {
+    for (Evas_Object *p = evas_object_smart_parent_get(obj); p;
+         p = evas_object_smart_parent_get(p)) {
+        const Evas_Map *map = evas_object_map_enable_get(p) ? evas_object_map_get(p) : nullptr;
+        if (!map)
+            continue;
+        int px, py, pw, ph;
+        evas_object_geometry_get(p, &px, &py, &pw, &ph);
+        Evas_Coord ax, ay, bx, by, cx, cy;
+        evas_map_point_coord_get(map, 0, &ax, &ay, nullptr);
+        evas_map_point_coord_get(map, 1, &bx, &by, nullptr);
+        evas_map_point_coord_get(map, 3, &cx, &cy, nullptr);
+        double u = pw > 0 ? static_cast<double>(*x - px) / pw : 0;
+        double v = ph > 0 ? static_cast<double>(*y - py) / ph : 0;
+        *x = static_cast<int>(std::lround(ax + u * (bx - ax) + v * (cx - ax)));
+        *y = static_cast<int>(std::lround(ay + u * (by - ay) + v * (cy - ay)));
+        return;
+    }
+}
+
+void collectTextBoxes(Evas_Object *obj, nlohmann::json *boxes, int depth = 0) {
+    if (!obj || depth > evas_tree::kMaxDepth || !evas_object_visible_get(obj))
+        return;
+    if (evas_tree::isType(obj, "textblock")) {
+        const char *text = evas_object_textblock_text_markup_get(obj);
+        int x, y, w, h;
+        evas_object_geometry_get(obj, &x, &y, &w, &h);
+        int right = x + w, bottom = y + h;
+        mapPoint(obj, &x, &y);
+        mapPoint(obj, &right, &bottom);
+        w = right - x;
+        h = bottom - y;
+        // What shows of the block is what its clippers let through.
+        for (Evas_Object *clip = evas_object_clip_get(obj); clip;
+             clip = evas_object_clip_get(clip)) {
+            int cx, cy, cw, ch, a = 255;
+            evas_object_color_get(clip, nullptr, nullptr, nullptr, &a);
+            if (!evas_object_visible_get(clip) || a == 0)
+                return;
+            evas_object_geometry_get(clip, &cx, &cy, &cw, &ch);
+            int right = std::min(x + w, cx + cw), bottom = std::min(y + h, cy + ch);
+            x = std::max(x, cx);
+            y = std::max(y, cy);
+            w = right - x;
+            h = bottom - y;
+        }
+        if (text && *text && w > 0 && h > 0)
+            boxes->push_back({x, y, w, h});
+        return;
+    }
+    if (!efl_isa(obj, EFL_CANVAS_GROUP_CLASS))
+        return;
+    Eina_List *children = evas_object_smart_members_get(obj);
+    Eina_List *l;
+    void *child;
+    EINA_LIST_FOREACH(children, l, child)
+    collectTextBoxes(static_cast<Evas_Object *>(child), boxes, depth + 1);
+    eina_list_free(children);
+}
+
+}  // namespace
+
+nlohmann::json Driver::_textBoxes() const {
+    // Only the top screen: a popup covers the page under it.
+    nlohmann::json boxes = nlohmann::json::array();
+    if (app_assist::WPopupController *popup = _reader.topPopup()) {
+        collectTextBoxes(popup->getEvasObject(), &boxes);
+        return boxes;
+    }
+    if (app_assist::WViewController *view = _reader.topView())
+        collectTextBoxes(view->getEvasObject(), &boxes);
+    if (Evas_Object *toast = _reader.toast())
+        collectTextBoxes(toast, &boxes);
+    return boxes;
+}
+
+double Driver::_tourPage(const std::string &name, int page) {
+    // Overlapping pages, so that every line is seen whole in the middle of some picture.
+    Evas_Object *scroller = _tourScroller();
+    if (!scroller)
+        return 0.0;
+    Evas_Coord x = 0, y = 0, w = 0, h = 0, cw = 0, ch = 0;
+    elm_interface_scrollable_content_region_get(scroller, &x, &y, &w, &h);
+    elm_interface_scrollable_content_size_get(scroller, &cw, &ch);
+    if (h <= 0 || y + h >= ch || page > kTourMaxPages) {
+        elm_interface_scrollable_content_region_show(scroller, x, 0, w, h);
+        return page > 2 ? kSettle : 0.0;
+    }
+    elm_interface_scrollable_content_region_show(scroller, x, std::min(y + h * 11 / 20, ch - h), w,
+                                                 h);
+    _tourSteps.push_front([this, name, page]() {
+        _tourCapture(name + "@" + std::to_string(page));
+        _tourSteps.push_front([this, name, page]() { return _tourPage(name, page + 1); });
+        return 0.0;
+    });
     return kSettle * 2;
 }
 

@@ -54,6 +54,13 @@ private:
     // What a touched row opened: a popup is captured and closed, a page explored.
     double _tourAfterTouch(const std::string &child, int depth, int depthBefore, int looksLeft);
     double _tourCapturePopup(const std::string &name, double budget, int framesAtSight);
+    // What the tour pages through: the popup's scroller, the page's list or scroller.
+    Evas_Object *_tourScroller() const;
+    // Scrolls on by about half a screen and captures NAME@PAGE, until the end; then back to
+    // the top.
+    double _tourPage(const std::string &name, int page);
+    // The screen rectangles where texts are drawn: each text block within its clippers.
+    nlohmann::json _textBoxes() const;
     // A tour step that polls until the watch has sent every asynchronous answer.
     double _waitForReplies(double budget);
     // A tour step that polls until the top list takes input again (at most budget seconds).

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# `make tour`: every screen of every device profile in each of the six languages, as a PNG and
-# a dump each, then a contact sheet out/tour/index.html. Two watches run side by side.
+# `make tour`: every screen of every device profile in each of the six languages, page by page
+# to its end, as a PNG and a dump each, then a contact sheet out/tour/index.html and a look at
+# every picture for text cut by the round edge or by its box. Two watches run side by side.
+# TOUR_LANGUAGES narrows the languages (default: all six).
 #   scripts/tour.sh BUILD [PROFILE...]      (default: every shipped profile)
 set -uo pipefail
 build=${1:-build}
@@ -8,7 +10,7 @@ shift || true
 bin="$(cd "$build/bin" && pwd)"
 top="$(cd "$(dirname "$0")/.." && pwd)"
 out="${TOUR_OUT:-$top/out/tour}"
-languages=(en de zh_CN ko hi ar)
+read -r -a languages <<<"${TOUR_LANGUAGES:-en de zh_CN ko hi ar}"
 jobs=${TOUR_JOBS:-2}
 
 # A second terminal's watch must not be toured by accident.
@@ -71,4 +73,9 @@ done < <(for profile in "${profiles[@]}"; do
 
 python3 "$top/scripts/tour_index.py" "$out" "${languages[@]}" || failed=1
 echo "tour: contact sheet $out/index.html"
+toured=()
+for profile in "${profiles[@]}"; do toured+=("$out/$profile"); done
+"$bin/quillset-tour-check" "${toured[@]}" >"$out/check.txt" || failed=1
+grep -v '^tour check:' "$out/check.txt" | head -n 20
+tail -n 1 "$out/check.txt"
 exit $failed

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Writes the tour's contact sheet: one section per profile, one row per screen, the
-languages side by side, each picture with its dump's title and rows beneath it.
+languages side by side, each picture with its dump's title and rows beneath it, and the
+pictures of the screen scrolled a page at a time (NAME@2, NAME@3, ...) under those.
 
     tour_index.py OUT_DIR LANG...
 """
@@ -13,6 +14,12 @@ import sys
 def screen_order(name):
     # "main.3.1.popup" sorts after "main.3.1" and before "main.3.2"; indexes as numbers.
     return [(0, int(p), "") if p.isdigit() else (1, 0, p) for p in name.split(".")]
+
+
+def page_of(name):
+    """("main.3", 2) for "main.3@2"; the screen at its top is page 1."""
+    base, _, page = name.partition("@")
+    return base, int(page) if page.isdigit() else 1
 
 
 def summary(dump):
@@ -83,6 +90,7 @@ def main(argv):
         "h2{border-top:1px solid #444;padding-top:12px}a{color:#8cf}"
         "table{border-collapse:collapse}td{vertical-align:top;padding:6px 14px 16px 0}"
         "img{width:270px;height:270px;display:block}"
+        "img.page{width:130px;height:130px;display:inline-block;margin:2px 2px 0 0}"
         "ul{list-style:none;padding:0;margin:4px 0;max-width:270px;font-size:12px}"
         "li b{color:#999;font-weight:normal}.name{color:#fc8;font-family:monospace}"
         ".label{color:#ccc;font-family:sans-serif}.missing{width:270px;height:270px;background:#311;display:flex;align-items:center;"
@@ -94,7 +102,8 @@ def main(argv):
     total = 0
     for profile in profiles:
         per_lang = {lang: load(os.path.join(out, profile, lang)) for lang in languages}
-        names = sorted(set().union(*per_lang.values()), key=screen_order)
+        names = sorted({page_of(n)[0] for n in set().union(*per_lang.values())},
+                       key=screen_order)
         total += sum(len(s) for s in per_lang.values())
         parts.append('<h2 id="%s">%s <small>(%d screens)</small></h2><table>'
                      % (html.escape(profile), html.escape(profile), len(names)))
@@ -112,9 +121,15 @@ def main(argv):
                     continue
                 rows = "".join("<li><b>%s</b> %s</li>" % (html.escape(k), html.escape(str(v)))
                                for k, v in summary(dump))
-                parts.append('<td><a href="%s"><img src="%s" alt="%s"></a><ul>%s</ul></td>'
+                pages = sorted((page_of(n)[1], n) for n in per_lang[lang]
+                               if page_of(n)[0] == name and page_of(n)[1] > 1)
+                scrolled = "".join(
+                    '<a href="%s"><img class=page src="%s" alt="%s"></a>'
+                    % (html.escape(p), html.escape(p), html.escape(n))
+                    for p, n in ((os.path.join(profile, lang, n + ".png"), n) for _, n in pages))
+                parts.append('<td><a href="%s"><img src="%s" alt="%s"></a>%s<ul>%s</ul></td>'
                              % (html.escape(picture), html.escape(picture),
-                                html.escape(name), rows))
+                                html.escape(name), scrolled, rows))
             parts.append("</tr>")
         parts.append("</table>")
     with open(os.path.join(out, "index.html"), "w", encoding="utf-8") as f:

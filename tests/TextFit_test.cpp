@@ -109,8 +109,7 @@ protected:
     Elm_Object_Item *_rowOf(Evas_Object *list, const char *id) {
         for (Elm_Object_Item *it = elm_genlist_first_item_get(list); it;
              it = elm_genlist_item_next_get(it)) {
-            const char *text = elm_object_item_part_text_get(it, "elm.text");
-            if (text && !strcmp(text, dgettext("quillset", id)))
+            if (textOf(it, "elm.text") == dgettext("quillset", id))
                 return it;
         }
         return nullptr;

@@ -14,7 +14,9 @@
 #include <cmath>
 #include <vector>
 
+#include "CircleScrollBar.h"
 #include "PlatformState.h"
+#include "RoundList.h"
 #include "RoundScreen.h"
 
 namespace {
@@ -28,7 +30,7 @@ enum class CircleKind { Genlist, Scroller };
 struct CircleObject {
     CircleKind kind;
     Evas_Object *target;  // the genlist or scroller
-    Evas_Object *bar;     // the round scroll bar (an image drawn along the right edge)
+    Evas_Object *bar;     // the round scroll bar, an arc along the bezel
     Elm_Scroller_Policy policyV;
     // Where the last detents took the list: quick detents step on from there, not from
     // wherever the glide has got to.
@@ -110,22 +112,12 @@ void updateBar(CircleObject *circle) {
         evas_object_hide(circle->bar);
         return;
     }
-    // A short arc along the right edge of the circle: its angle follows the scroll position.
     Evas_Object *win = elm_object_top_widget_get(circle->target);
-    int ww = 360, wh = 360;
+    int wx = 0, wy = 0, ww = 360, wh = 360;
     if (win)
-        evas_object_geometry_get(win, nullptr, nullptr, &ww, &wh);
-    double span = 60.0 * M_PI / 180.0;
-    double frac = std::clamp(static_cast<double>(y) / (ch - h), 0.0, 1.0);
-    double len = std::max(span * h / ch, 8.0 * M_PI / 180.0);
-    double start = -span / 2 + frac * (span - len);
-    double r = std::min(ww, wh) / 2.0 - 6.0;
-    double cx = ww / 2.0, cy = wh / 2.0;
-    double ay = cy + r * std::sin(start);
-    double by = cy + r * std::sin(start + len);
-    double ax = cx + r * std::cos(start + len / 2);
-    evas_object_move(circle->bar, static_cast<int>(ax) - 2, static_cast<int>(ay));
-    evas_object_resize(circle->bar, 5, std::max(4, static_cast<int>(by - ay)));
+        evas_object_geometry_get(win, &wx, &wy, &ww, &wh);
+    circleScrollBarSet(circle->bar, wx, wy, ww, wh, static_cast<double>(y) / ch,
+                       static_cast<double>(h) / ch);
     // The bar sits above everything but shows only with its list: a page the naviframe has
     // hidden under a newer one hides its bar too.
     Evas_Object *clip = evas_object_clip_get(circle->target);
@@ -136,6 +128,18 @@ void updateBar(CircleObject *circle) {
 
 void scrollCb(void *data, Evas_Object *, void *) {
     updateBar(static_cast<CircleObject *>(data));
+}
+
+void barUpdate(void *data) {
+    auto *circle = static_cast<CircleObject *>(data);
+    if (circle->kind == CircleKind::Genlist && circle->target) {
+        Evas_Object *win = elm_object_top_widget_get(circle->target);
+        int wx = 0, wy = 0, ww = 360, wh = 360;
+        if (win)
+            evas_object_geometry_get(win, &wx, &wy, &ww, &wh);
+        roundListFit(circle->target, wx, wy, ww, wh);
+    }
+    updateBar(circle);
 }
 
 void circleBarDeleteJob(void *data) {
@@ -189,12 +193,12 @@ Evas_Object *circleAdd(Evas_Object *target, CircleKind kind) {
         dlog_print(DLOG_ERROR, kTag, "circle object: no target");
         return nullptr;
     }
-    auto *circle = new CircleObject{kind, target, nullptr, ELM_SCROLLER_POLICY_AUTO};
     // The circle object is the scroll bar itself; it lives as long as its target.
-    Evas_Object *bar = evas_object_rectangle_add(evas_object_evas_get(target));
-    evas_object_color_set(bar, 150, 150, 150, 200);
+    auto *circle = new CircleObject{kind, target, nullptr, ELM_SCROLLER_POLICY_AUTO};
+    Evas_Object *bar = circleScrollBarAdd(evas_object_evas_get(target), barUpdate, circle);
     evas_object_pass_events_set(bar, EINA_TRUE);
-    evas_object_layer_set(bar, EVAS_LAYER_MAX - 1);
+    // Above its page, under the popups that come later and cover the page.
+    evas_object_raise(bar);
     circle->bar = bar;
     evas_object_data_set(bar, kCircleKey, circle);
     efl_event_callback_add(bar, EFL_EVENT_INVALIDATE, circleBarDelCb, circle);
@@ -209,6 +213,36 @@ Evas_Object *circleAdd(Evas_Object *target, CircleKind kind) {
 
 CircleObject *circleOf(Evas_Object *obj) {
     return obj ? static_cast<CircleObject *>(evas_object_data_get(obj, kCircleKey)) : nullptr;
+}
+
+// A popup whose text scrolls shows the same round scroll bar as a list. Its scroller exists
+// once its content is set, after the popup has been made rotary.
+const char *const kPopupBarJobKey = "_eext_popup_bar_job";
+
+void popupBarJobCancelCb(void *data, const Efl_Event *) {
+    ecore_job_del(static_cast<Ecore_Job *>(data));
+}
+
+Evas_Object *findScroller(Evas_Object *obj, int depth = 0);
+
+void popupBarJob(void *data) {
+    auto *popup = static_cast<Evas_Object *>(data);
+    auto *job = static_cast<Ecore_Job *>(evas_object_data_del(popup, kPopupBarJobKey));
+    efl_event_callback_del(popup, EFL_EVENT_INVALIDATE, popupBarJobCancelCb, job);
+    Evas_Object *scroller = findScroller(popup);
+    if (scroller && !evas_object_data_get(scroller, kPopupBarJobKey)) {
+        evas_object_data_set(scroller, kPopupBarJobKey, scroller);
+        circleAdd(scroller, CircleKind::Scroller);
+    }
+}
+
+void popupBarAdd(Evas_Object *popup) {
+    const char *type = evas_object_type_get(popup);
+    if (!type || strcmp(type, "elm_popup") || evas_object_data_get(popup, kPopupBarJobKey))
+        return;
+    Ecore_Job *job = ecore_job_add(popupBarJob, popup);
+    evas_object_data_set(popup, kPopupBarJobKey, job);
+    efl_event_callback_add(popup, EFL_EVENT_INVALIDATE, popupBarJobCancelCb, job);
 }
 
 // ---- rotary -----------------------------------------------------------------------------
@@ -269,7 +303,7 @@ void rotateScroller(Evas_Object *scroller, bool clockwise) {
     elm_interface_scrollable_region_bring_in(scroller, x, to, w, h);
 }
 
-Evas_Object *findScroller(Evas_Object *obj, int depth = 0) {
+Evas_Object *findScroller(Evas_Object *obj, int depth) {
     if (!obj || depth > 8)
         return nullptr;
     if (efl_isa(obj, ELM_INTERFACE_SCROLLABLE_MIXIN) && evas_object_visible_get(obj))
@@ -423,6 +457,8 @@ void eext_rotary_object_event_activated_set(Evas_Object *obj, Eina_Bool activate
         CircleObject *circle = circleOf(obj);
         if (!circle || circle->target)
             ensureWindow(circle ? circle->target : obj);
+        if (!circle)
+            popupBarAdd(obj);
     } else if (g_rotaryObject == obj) {
         g_rotaryObject = nullptr;
     }
