@@ -57,13 +57,14 @@ void releaseAnswers(void *, const Efl_Event *event) {
     eina_stringshare_del(static_cast<const char *>(efl_key_data_get(event->object, kDescTextKey)));
 }
 
-// Upstream answers the name set, translated in the object's domain if it has one.
+// Upstream answers the name set (an empty one, or none, too), translated in the object's domain
+// if it has one.
 bool readsItsOwnName(const Eo *obj, const char *name) {
-    if (!name || !*name)
-        return false;
     const char *read = efl_access_object_i18n_name_get(obj);
+    if (!name || !read)
+        return !name && !read;
     const char *domain = efl_access_object_translation_domain_get(obj);
-    return read && (!strcmp(read, name) || (domain && !strcmp(read, dgettext(domain, name))));
+    return !strcmp(read, name) || (domain && *name && !strcmp(read, dgettext(domain, name)));
 }
 
 // The AT-SPI bridge asks the object itself, so the object answers as the watch would.
