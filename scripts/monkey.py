@@ -157,6 +157,8 @@ class Run:
             status, stderr = None, (e.stderr or b"").decode("utf-8", "replace") \
                 if isinstance(e.stderr, bytes) else (e.stderr or "")
         self.seconds = time.monotonic() - started
+        with open(os.path.join(self.workdir, "stderr.txt"), "w") as f:
+            f.write(stderr)
         self.failure = self._failure(status, stderr, reports)
         return self.failure
 
