@@ -3,7 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/SimulatedWatch.h"
@@ -102,4 +106,46 @@ TEST(AboutListE2E, TouchesRightAfterALaunchAreIgnored) {
     EXPECT_EQ(launches[0]["app_id"], "com.nerova.tessid.license-viewer");
     EXPECT_EQ(launches[0]["operation"], "http://tizen.org/appcontrol/operation/default");
     EXPECT_EQ(launches[0]["extra_data"], json({{"setting", "setting"}}));
+}
+
+// On the watch the log provider and the application manager are processes of their own; the
+// application only hands them messages. Its process maps no SQLite, while what it sent arrives
+// at the services daemon in the order it was sent.
+TEST(AboutListE2E, TheApplicationMapsNoDatabaseAndItsRecordsAndLaunchesArriveInOrder) {
+    SimulatedWatch watch("default");
+    const std::string dir = watch.stateDir(), out = dir + "-drive.txt", maps = dir + "-maps.txt",
+                      script = dir + "-drive-script.txt", shell = dir + "-drive.sh";
+    // The reset page, the device information page, the reset page again (which ends the first);
+    // the maps are read once all of it has been sent, while the application still runs.
+    std::ofstream(script) << "tap Reset Kesta\nwait 1100\ntap Device information\nwait 300\n"
+                             "back\ntap Reset Kesta\nwait 1100\ndump\nwait 3000\n";
+    std::ofstream(shell) << "quillset-drive <'" << script << "' >'" << out << "' & p=$!\n"
+                         << "for i in $(seq 200); do grep -q page '" << out
+                         << "' && break; sleep 0.05; done\n"
+                         << "cat /proc/$p/maps >'" << maps << "'\nwait $p\n";
+    int status = -1;
+    std::string said = watch.sim("run --profile default -- sh '" + shell + "'", &status);
+    std::string mapped = readFile(maps);
+    for (const std::string &file : {out, maps, script, shell})
+        std::remove(file.c_str());
+    ASSERT_EQ(status, 0) << said;
+    ASSERT_NE(mapped.find("libelementary"), std::string::npos) << "the maps were read:\n" << said;
+    EXPECT_EQ(mapped.find("libsqlite3"), std::string::npos) << mapped;
+
+    // Records and requests in the order the daemon kept them.
+    std::vector<std::pair<double, std::string>> kept;
+    for (const auto &row : watch.usage())
+        kept.emplace_back(row["time"].get<double>(), row.value("feature", ""));
+    for (const auto &row : watch.launches())
+        kept.emplace_back(row["time"].get<double>(),
+                          row.value("request", "") + " " + row.value("app_id", ""));
+    std::stable_sort(kept.begin(), kept.end(),
+                     [](const auto &a, const auto &b) { return a.first < b.first; });
+    std::vector<std::string> order;
+    for (const auto &entry : kept)
+        order.push_back(entry.second);
+    EXPECT_EQ(order, (std::vector<std::string>{"S003", "launch com.nerova.quillset.reset", "S516",
+                                               "ST15", "terminate com.nerova.quillset.reset",
+                                               "launch com.nerova.quillset.reset", "S516"}));
+    EXPECT_EQ(watch.platformLog().find("not delivered"), std::string::npos);
 }

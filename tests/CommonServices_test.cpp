@@ -1,5 +1,7 @@
 // Services shared by the settings suite: the circle surface, the launcher, the usage logger's
-// status report and the info model's policy answers.
+// status report and the info model's policy answers. Records and launches go to the services
+// daemon of a watch kept up around these tests; what it kept is read back as
+// `quillset-sim usage` and `launches` show it.
 
 #include <app_control.h>
 #include <gtest/gtest.h>
@@ -7,27 +9,37 @@
 
 #include <algorithm>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "DaemonLink.h"
 #include "PlatformState.h"
 #include "StAppControlLauncher.h"
 #include "StCircleSurfaceManager.h"
 #include "StInfoModel.h"
 #include "StLog.h"
 #include "StLogManager.h"
-#include "UsageDb.h"
 #include "WDefine.h"
+#include "sim_support.h"
 #include "support/EflTestEnvironment.h"
 
 namespace {
 
+simtest::RunningWatch *g_watch = nullptr;
+
+// What the daemon kept, once it has answered every record sent.
 std::vector<nlohmann::json> rows(bool journal) {
-    sim::UsageDb db;
-    std::string error;
+    double end = ecore_time_get() + 10.0;
+    while (platform::daemonAnswersAwaited() > 0 && ecore_time_get() < end)
+        ecore_main_loop_iterate_may_block(1);
+    simtest::CommandResult r = simtest::quillsetSim(
+        {"--state", EflTestEnvironment::stateDir(), journal ? "launches" : "usage"});
+    EXPECT_EQ(r.status, 0) << r.err;
     std::vector<nlohmann::json> out;
-    EXPECT_TRUE(db.open(EflTestEnvironment::stateDir(), &error)) << error;
-    journal ? db.listJournal(&out, &error) : db.listUsage(&out, &error);
+    std::istringstream lines(r.out);
+    for (std::string line; std::getline(lines, line);)
+        out.push_back(nlohmann::json::parse(line));
     return out;
 }
 
@@ -62,6 +74,16 @@ std::string joined(const std::vector<std::string> &records) {
 
 class CommonServicesTest : public EflTest {
 protected:
+    static void SetUpTestSuite() {
+        writeProfile("{}");
+        g_watch = new simtest::RunningWatch();
+        g_watch->start(EflTestEnvironment::stateDir());
+    }
+    static void TearDownTestSuite() {
+        platform::daemonLinkShutdown(1.0);
+        delete g_watch;
+        g_watch = nullptr;
+    }
     void TearDown() override {
         StAppControlLauncher::destroy();
         writeProfile("{}");

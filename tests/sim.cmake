@@ -18,6 +18,10 @@ endfunction()
 quillset_platform_test(platform_vconf_test platform_vconf_test.cpp)
 add_dependencies(platform_vconf_test quillset-sim)
 quillset_platform_test(platform_info_test platform_info_test.cpp)
+# Usage records and launches through the services daemon, which the tests start, slow down and
+# restart.
+quillset_platform_test(platform_services_test platform_services_test.cpp)
+add_dependencies(platform_services_test quillset-sim quillset-simd quillset-profiles)
 
 # The documented profile schema against quillset-sim's own checks (Debian's python3-jsonschema).
 find_program(QUILLSET_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)

@@ -1,17 +1,18 @@
 // quillset-sim as people and scripts use it: a watch brought up and down with its bus and
 // services daemon, settings and events from the command line, what it refuses, and the usage
-// database it lists.
+// database it lists, which the daemon alone writes.
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <signal.h>
 
 #include <chrono>
+#include <sstream>
 #include <thread>
 #include <tuple>
 
 #include "StatePaths.h"
-#include "UsageDb.h"
 #include "sim_support.h"
 
 using simtest::CommandResult;
@@ -174,45 +175,52 @@ TEST_F(SimCliTest, EveryRefusalSaysWhyAndLosesNothing) {
     EXPECT_TRUE(contains(sim({"profiles"}).out, "\ndefault          A Kesta with LTE and eSIM;"));
 }
 
-TEST_F(SimCliTest, UsageFromSeveralWritersAtOnceIsListedAsJsonLines) {
-    // Writers that find no database yet make it together, then write at once.
-    for (const char *file : {"/usage.db", "/usage.db-wal", "/usage.db-shm"})
-        sim::removeTree(_state + file, nullptr);
-    for (int w = 0; w < 3; ++w) {
-        if (fork() == 0) {
-            sim::UsageDb db;
-            std::string e;
-            bool ok = db.open(_state, &e);
-            for (int k = 0; ok && k < 100; ++k)
-                ok = db.addRecord("u", "app", "F", nullptr, nullptr, &e);
-            _exit(ok ? 0 : 1);
-        }
-    }
-    int status = 0, failed = 0;
-    while (wait(&status) > 0)
-        failed += !WIFEXITED(status) || WEXITSTATUS(status) != 0;
-    EXPECT_EQ(failed, 0);
-    sim::UsageDb db;
-    std::string e;
-    ASSERT_TRUE(db.open(_state, &e)) << e;
-    ASSERT_TRUE(db.addRecord("content://log", "com.nerova.quillset", "S003", nullptr, "1", &e));
-    long long id = db.addJournal("launch", "com.nerova.esim", "", R"({"n":"2"})", 1, 0, 0, &e);
-    ASSERT_GT(db.addJournal("terminate", "com.nerova.esim", "", "", 0, -3, id, &e), id) << e;
+TEST_F(SimCliTest, UsageKeptByTheDaemonIsListedAsJsonLinesWhileTheWatchRunsAndAfter) {
+    nlohmann::json profile = nlohmann::json::parse(simtest::readText(_state + "/profile.json"));
+    profile["faults"] = {{{"call", "app_control_send_terminate_request"}, {"code", -3}}};
+    simtest::writeText(_state + "/profile.json", profile.dump());
+    const std::string send = "dbus-send --system --print-reply >/dev/null --dest=",
+                      insert = send +
+                               "com.nerova.logmgr /com/nerova/logmgr/provider "
+                               "com.nerova.logmgr.Provider.Insert string:content://log ",
+                      apps = send +
+                             "com.nerova.quillset.sim /com/nerova/quillset/sim/apps "
+                             "com.nerova.quillset.Apps.";
+    // Three writers at once, then one record and a launch and its end; listed while the watch
+    // runs, then again once it has stopped.
+    CommandResult r = inWatch(
+        "w() { for k in $(seq 20); do " + insert +
+        "dict:string:string:app_id,app,feature,F || return 1; done; }; "
+        "w & a=$!; w & b=$!; w & c=$!; wait $a && wait $b && wait $c || exit 1; " +
+        insert + "dict:string:string:app_id,com.nerova.quillset,feature,S003,value,1 && " + apps +
+        "Launch string:com.nerova.esim string: dict:string:string:n,2 int32:1 && " + apps +
+        "Terminate int64:1 string:com.nerova.esim string: dict:string:string:n,2 int32:0 && "
+        "quillset-sim usage && quillset-sim launches");
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::string afterwards = sim({"usage"}).out + sim({"launches"}).out;
+    EXPECT_EQ(afterwards, r.out);
     std::string listed;
-    for (const char *command : {"usage", "launches"}) {
-        std::istringstream lines(sim({command}).out);
-        for (std::string line; std::getline(lines, line);) {
-            nlohmann::json row = nlohmann::json::parse(line);
-            EXPECT_GT(row["time"].get<double>(), 1.6e9) << "seconds since the epoch";
-            if (row["id"] == 301 || command == std::string("launches"))
-                listed += (row.erase("time"), row.dump()) + "\n";
-        }
+    int records = 0;
+    std::istringstream lines(afterwards);
+    for (std::string line; std::getline(lines, line);) {
+        nlohmann::json row = nlohmann::json::parse(line);
+        EXPECT_GT(row["time"].get<double>(), 1.6e9) << "seconds since the epoch";
+        records += row.value("feature", "") == "F";
+        if (row["id"] == 61 || row.contains("request"))
+            listed += (row.erase("time"), row.dump()) + "\n";
     }
     // No row is lost; empty fields are left out; extra data shows as the object it is.
+    EXPECT_EQ(records, 60);
     EXPECT_EQ(
         listed,
-        R"({"app_id":"com.nerova.quillset","feature":"S003","id":301,"kind":"record","uri":"content://log","value":"1"}
+        R"({"app_id":"com.nerova.quillset","feature":"S003","id":61,"kind":"record","uri":"content://log","value":"1"}
 {"app_id":"com.nerova.esim","extra_data":{"n":"2"},"id":1,"launch_mode":1,"request":"launch","result":0}
-{"app_id":"com.nerova.esim","id":2,"launch_id":1,"launch_mode":0,"request":"terminate","result":-3}
+{"app_id":"com.nerova.esim","extra_data":{"n":"2"},"id":2,"launch_id":1,"launch_mode":0,"request":"terminate","result":-3}
 )");
+    // The daemon kept them all, and said so.
+    std::string log = simtest::readText(_state + "/simd.log");
+    EXPECT_TRUE(contains(log, "record S003 from ") && contains(log,
+                                                               "terminate request for "
+                                                               "com.nerova.esim from "))
+        << log;
 }

@@ -3,15 +3,18 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <map>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "StatePaths.h"
@@ -98,6 +101,101 @@ inline CommandResult quillsetSim(const std::vector<std::string> &args,
     result.err = readText(output / "err");
     return result;
 }
+
+// Whether the process has ended (a zombie that its parent has not reaped yet counts).
+inline bool processGone(pid_t pid) {
+    std::string stat = readText("/proc/" + std::to_string(pid) + "/stat");
+    size_t paren = stat.rfind(')');
+    return paren == std::string::npos || stat.compare(paren + 1, 3, " Z ") == 0;
+}
+
+// A watch's bus and services daemon, kept up by `quillset-sim run -- sleep` around tests that
+// call the stand-ins in their own process. This process's DBUS_SYSTEM_BUS_ADDRESS leads to it
+// while it runs. The daemon can be stopped, paused and started again.
+class RunningWatch {
+public:
+    ~RunningWatch() { stop(); }
+
+    // Brings the watch up on state, whose profile.json must exist (nothing is seeded then).
+    bool start(const std::string &state) {
+        _state = state;
+        _run = startSim({"run", "--state", state, "--", "sleep", "3600"}, {}, _logs / "out",
+                        _logs / "err");
+        for (int i = 0; i < 1000 && !contains(readText(_logs / "err"), "watch running"); ++i) {
+            if (processGone(_run))
+                break;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        if (!contains(readText(_logs / "err"), "watch running")) {
+            ADD_FAILURE() << "the watch did not start: " << readText(_logs / "err");
+            return false;
+        }
+        setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + state + "/bus/system.sock").c_str(), 1);
+        return true;
+    }
+
+    // Tears the watch down (the daemon this object started again too).
+    void stop() {
+        for (pid_t *pid : {&_run, &_daemon}) {
+            if (*pid <= 0)
+                continue;
+            kill(*pid, SIGCONT);
+            kill(*pid, SIGTERM);
+            waitpid(*pid, nullptr, 0);
+            *pid = -1;
+        }
+    }
+
+    // The running daemon's process: the last one simd.log says started.
+    pid_t daemonPid() const {
+        std::string log = readText(_state + "/simd.log");
+        size_t at = log.rfind("starting (pid ");
+        return at == std::string::npos ? -1 : atoi(log.c_str() + at + 14);
+    }
+
+    // Ends the daemon; its names leave the bus with it.
+    bool stopDaemon() {
+        pid_t pid = daemonPid();
+        if (pid <= 0 || kill(pid, SIGTERM) != 0)
+            return false;
+        for (int i = 0; i < 500 && !processGone(pid); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        if (pid == _daemon) {
+            waitpid(_daemon, nullptr, 0);
+            _daemon = -1;
+        }
+        return processGone(pid);
+    }
+
+    // Starts another daemon on the watch's bus and waits until it serves.
+    bool startDaemon() {
+        int fds[2];
+        if (pipe(fds) != 0)
+            return false;
+        _daemon = fork();
+        if (_daemon == 0) {
+            close(fds[0]);
+            setenv("QUILLSET_STATE", _state.c_str(), 1);
+            setenv("QUILLSET_READY_FD", std::to_string(fds[1]).c_str(), 1);
+            std::string path = sim::executableDir() + "/quillset-simd";
+            execl(path.c_str(), path.c_str(), static_cast<char *>(nullptr));
+            _exit(127);
+        }
+        close(fds[1]);
+        char ready[6] = {};
+        bool ok = _daemon > 0 && read(fds[0], ready, 5) == 5 && std::string(ready) == "ready";
+        close(fds[0]);
+        return ok;
+    }
+
+    const std::string &state() const { return _state; }
+
+private:
+    TempDir _logs;
+    std::string _state;
+    pid_t _run = -1;
+    pid_t _daemon = -1;  // a daemon started again by this object
+};
 
 }  // namespace simtest
 

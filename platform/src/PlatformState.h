@@ -5,8 +5,8 @@
 
 #include <string>
 
-// What the stand-ins share: where the simulated watch keeps its state, its device profile,
-// injected faults and the usage database.
+// What the stand-ins share: where the simulated watch keeps its state, its device profile and
+// injected faults. Usage records and launches go to the services daemon (DaemonLink.h).
 namespace platform {
 
 // $QUILLSET_STATE; "" (with one clear message on stderr) when the program was not started
@@ -32,12 +32,6 @@ int repliesAwaited();
 // True when the profile's "faults" make call (for any key, or for this key) fail; code
 // receives the error code to answer with. Logs nothing: the stand-in decides what to say.
 bool fault(const char *call, const char *key, int *code);
-
-// Usage database rows; false when the database cannot be written (logged).
-bool recordUsage(const std::string &uri, const std::string &appId, const std::string &feature,
-                 const char *extra, const char *value);
-long long journal(const char *request, const std::string &appId, const std::string &operation,
-                  const std::string &extraJson, int launchMode, int result, long long launchId);
 
 // Forgets the cached profile so that the next query reads it again (tests change profiles).
 void reloadProfile();

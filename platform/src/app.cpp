@@ -21,6 +21,7 @@
 #include <string>
 
 #include "AppControlRequest.h"
+#include "DaemonLink.h"
 #include "PlatformState.h"
 #include "SimEvents.h"
 
@@ -170,6 +171,8 @@ int ui_app_main(int argc, char **argv, ui_app_lifecycle_callback_s *callback, vo
 
     vconf_ignore_key_changed(kLanguageKey, languageChangedCb);
     platform::simEventUnsubscribe(launchEvents);
+    // Usage records sent last still hear from the log provider, for a moment at most.
+    platform::daemonLinkShutdown(1.0);
     platform::simEventsShutdown();
     elm_shutdown();
     g_app = nullptr;

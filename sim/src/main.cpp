@@ -1,8 +1,10 @@
 // quillset-sim: brings up and controls a simulated watch.
 
 #include <dbus/dbus.h>
+#include <unistd.h>
 
 #include <cctype>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,7 +17,6 @@
 #include "SettingsStore.h"
 #include "SimRun.h"
 #include "StatePaths.h"
-#include "UsageDb.h"
 
 namespace {
 
@@ -116,8 +117,8 @@ std::string busAddress(const Watch &watch) {
     return "unix:path=" + watch.state + "/bus/system.sock";
 }
 
-// Sends an event to the watch's services daemon, which hands it to the application.
-int sendEvent(const Watch &watch, const std::string &kind, const std::vector<std::string> &args) {
+// The watch's bus, registered; null with *message when it cannot be reached.
+DBusConnection *connectBus(const Watch &watch, std::string *message) {
     std::string address = busAddress(watch);
     DBusError error;
     dbus_error_init(&error);
@@ -128,12 +129,33 @@ int sendEvent(const Watch &watch, const std::string &kind, const std::vector<std
         bus = nullptr;
     }
     if (!bus) {
-        std::string message = "the watch's bus is not reachable at " + address + " (" +
-                              (error.message ? error.message : "unknown error") +
-                              "); is the watch running (quillset-sim run)?";
+        *message = "the watch's bus is not reachable at " + address + " (" +
+                   (error.message ? error.message : "unknown error") +
+                   "); is the watch running (quillset-sim run)?";
         dbus_error_free(&error);
-        return fail(message);
     }
+    return bus;
+}
+
+void disconnect(DBusConnection *bus) {
+    dbus_connection_close(bus);
+    dbus_connection_unref(bus);
+}
+
+// Calls the services daemon and waits for its answer; null with *error set when there is
+// none (error.name DBUS_ERROR_SERVICE_UNKNOWN: the daemon is not on the bus).
+DBusMessage *callDaemon(DBusConnection *bus, DBusMessage *call, DBusError *error) {
+    DBusMessage *reply = dbus_connection_send_with_reply_and_block(bus, call, 5000, error);
+    dbus_message_unref(call);
+    return reply;
+}
+
+// Sends an event to the watch's services daemon, which hands it to the application.
+int sendEvent(const Watch &watch, const std::string &kind, const std::vector<std::string> &args) {
+    std::string message;
+    DBusConnection *bus = connectBus(watch, &message);
+    if (!bus)
+        return fail(message);
     DBusMessage *call = dbus_message_new_method_call(kSimName, kSimPath, kSimInterface, "Event");
     DBusMessageIter iter, array;
     dbus_message_iter_init_append(call, &iter);
@@ -145,8 +167,9 @@ int sendEvent(const Watch &watch, const std::string &kind, const std::vector<std
         dbus_message_iter_append_basic(&array, DBUS_TYPE_STRING, &text);
     }
     dbus_message_iter_close_container(&iter, &array);
-    DBusMessage *reply = dbus_connection_send_with_reply_and_block(bus, call, 5000, &error);
-    dbus_message_unref(call);
+    DBusError error;
+    dbus_error_init(&error);
+    DBusMessage *reply = callDaemon(bus, call, &error);
     int status = 0;
     if (!reply) {
         std::string reason = error.message ? error.message : "no answer";
@@ -157,8 +180,7 @@ int sendEvent(const Watch &watch, const std::string &kind, const std::vector<std
     } else {
         dbus_message_unref(reply);
     }
-    dbus_connection_close(bus);
-    dbus_connection_unref(bus);
+    disconnect(bus);
     return status;
 }
 
@@ -258,24 +280,42 @@ int cmdProfiles() {
     return 0;
 }
 
-int cmdList(const Watch &watch, bool journal) {
-    sim::UsageDb db;
-    std::string error;
-    std::vector<nlohmann::json> rows;
-    if (!db.open(watch.state, &error) ||
-        !(journal ? db.listJournal(&rows, &error) : db.listUsage(&rows, &error)))
-        return fail(error);
-    for (nlohmann::json &row : rows) {
-        // Extra data is stored as JSON text; show it as the object it is.
-        if (journal && row.contains("extra_data") && row["extra_data"].is_string()) {
-            nlohmann::json extra =
-                nlohmann::json::parse(row["extra_data"].get<std::string>(), nullptr, false);
-            if (!extra.is_discarded())
-                row["extra_data"] = extra;
+// Usage records or launches as JSON lines. The services daemon is the only process that opens
+// the usage database: a running watch's daemon is asked over the bus; a stopped watch's
+// database is listed by the daemon's program on its own (quillset-simd --list).
+int cmdList(const Watch &watch, const std::string &what) {
+    std::string message;
+    if (DBusConnection *bus = connectBus(watch, &message)) {
+        DBusMessage *call = dbus_message_new_method_call(kSimName, kSimPath, kSimInterface, "List");
+        const char *whatText = what.c_str();
+        dbus_message_append_args(call, DBUS_TYPE_STRING, &whatText, DBUS_TYPE_INVALID);
+        DBusError error;
+        dbus_error_init(&error);
+        DBusMessage *reply = callDaemon(bus, call, &error);
+        disconnect(bus);
+        if (reply) {
+            char **rows = nullptr;
+            int count = 0;
+            bool ok = dbus_message_get_args(reply, &error, DBUS_TYPE_ARRAY, DBUS_TYPE_STRING, &rows,
+                                            &count, DBUS_TYPE_INVALID);
+            for (int i = 0; ok && i < count; ++i)
+                std::cout << rows[i] << "\n";
+            dbus_free_string_array(rows);
+            dbus_message_unref(reply);
+            if (ok)
+                return 0;
         }
-        std::cout << row.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+        bool running = !error.name || strcmp(error.name, DBUS_ERROR_SERVICE_UNKNOWN) != 0;
+        message = std::string(what + ": ") + (error.message ? error.message : "no answer");
+        dbus_error_free(&error);
+        if (running)
+            return fail(message);
     }
-    return 0;
+    std::string daemon = sim::executableDir() + "/quillset-simd";
+    setenv("QUILLSET_STATE", watch.state.c_str(), 1);
+    std::cout.flush();
+    execl(daemon.c_str(), daemon.c_str(), "--list", what.c_str(), static_cast<char *>(nullptr));
+    return fail(sim::sysError("exec", daemon, errno));
 }
 
 // Takes "--NAME VALUE" or "--NAME=VALUE" at args[*i]; false when args[*i] is another word.
@@ -413,5 +453,5 @@ int main(int argc, char *argv[]) {
         return cmdEvent(watch, rest);
     if ((command == "usage" || command == "launches") && !rest.empty())
         return usageError(command + " takes no arguments");
-    return cmdList(watch, command == "launches");
+    return cmdList(watch, command);
 }

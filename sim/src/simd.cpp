@@ -1,13 +1,21 @@
-// quillset-simd: the services daemon of the simulated watch, on its private system bus.
+// quillset-simd: the services daemon of the simulated watch, on its private system bus, and the
+// only process that opens the watch's usage database.
 //
 // - com.nerova.quillset.sim: Event(kind, args) checks an event (a new launch request, a
-//   policy change...) and hands it to the running application as the signal Event(kind, args).
-// - com.nerova.logmgr: the log provider; its Select calls are recorded in the usage database.
+//   policy change...) and hands it to the running application as the signal Event(kind, args);
+//   List(what) lists the usage database ("usage" or "launches") as JSON lines.
+// - com.nerova.quillset.sim, /apps: the application manager. Launch and Terminate carry out
+//   (journal) the requests of the app_control stand-in; a profile fault refuses one.
+// - com.nerova.logmgr: the log provider. Insert(uri, record) keeps a usage record; its Select
+//   calls are recorded too.
 // - org.tizen.system.deviced: the device daemon's GetNum (serial and barcode text), as the
 //   profile's "deviced" section describes it.
 //
 // quillset-sim starts it with QUILLSET_READY_FD, a pipe on which it writes "ready" once both
 // names are owned, so that nothing talks to the watch before it serves.
+//
+// `quillset-simd --list usage|launches` lists the database of a watch that is not running and
+// ends: `quillset-sim usage` runs it when no daemon answers.
 
 #include <Ecore.h>
 #include <Eldbus.h>
@@ -27,6 +35,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Profile.h"
 #include "StatePaths.h"
 #include "UsageDb.h"
 
@@ -44,12 +53,23 @@ const char *const kHomeInterface = "org.tizen.coreapps.home.raise";
 const char *const kLogName = "com.nerova.logmgr";
 const char *const kLogPath = "/com/nerova/logmgr/log/provider/report_app_status_survey";
 const char *const kLogInterface = "com.nerova.logmgr.log.provider.use_app_feature_survey";
+const char *const kProviderPath = "/com/nerova/logmgr/provider";
+const char *const kProviderInterface = "com.nerova.logmgr.Provider";
+const char *const kErrorNotStored = "com.nerova.logmgr.Error.NotStored";
+
+const char *const kAppsPath = "/com/nerova/quillset/sim/apps";
+const char *const kAppsInterface = "com.nerova.quillset.Apps";
+
+// The platform's app_control codes the application manager answers with.
+const int kAppControlInvalidParameter = -22;
 
 struct Daemon {
     Eldbus_Connection *bus = nullptr;
     Eldbus_Service_Interface *simInterface = nullptr;
     Eldbus_Service_Interface *logInterface = nullptr;
     Eldbus_Service_Interface *homeInterface = nullptr;
+    Eldbus_Service_Interface *providerInterface = nullptr;
+    Eldbus_Service_Interface *appsInterface = nullptr;
     sim::UsageDb usage;
     FILE *log = nullptr;
     int namesPending = 2;
@@ -169,8 +189,187 @@ Eldbus_Message *selectCb(const Eldbus_Service_Interface *, const Eldbus_Message 
     return eldbus_message_method_return_new(msg);
 }
 
+// The profile, read again for every call that depends on it (tests change it while the watch
+// runs); an empty object when it cannot be read.
+nlohmann::json currentProfile() {
+    std::string text, error;
+    if (!sim::readFile(sim::stateDirFromEnv() + "/profile.json", &text, &error)) {
+        say("profile: %s", error.c_str());
+        return nlohmann::json::object();
+    }
+    nlohmann::json profile = nlohmann::json::parse(text, nullptr, false);
+    return profile.is_object() ? profile : nlohmann::json::object();
+}
+
+// The pairs of an a{ss} argument, in their order.
+bool readPairs(Eldbus_Message_Iter *array,
+               std::vector<std::pair<std::string, std::string>> *pairs) {
+    Eldbus_Message_Iter *entry = nullptr;
+    while (eldbus_message_iter_get_and_next(array, 'e', &entry)) {
+        const char *key = nullptr, *value = nullptr;
+        if (!eldbus_message_iter_arguments_get(entry, "ss", &key, &value))
+            return false;
+        pairs->emplace_back(key, value);
+    }
+    return true;
+}
+
+// ---- The log provider: Insert(s uri, a{ss} record) ------------------------------------------
+
+Eldbus_Message *insertCb(const Eldbus_Service_Interface *, const Eldbus_Message *msg) {
+    const char *uri = nullptr;
+    Eldbus_Message_Iter *array = nullptr;
+    std::vector<std::pair<std::string, std::string>> record;
+    if (!eldbus_message_arguments_get(msg, "sa{ss}", &uri, &array) || !readPairs(array, &record)) {
+        say("refused a malformed Insert from %s", eldbus_message_sender_get(msg));
+        return eldbus_message_error_new(msg, kErrorInvalidArgs, "expected (s uri, a{ss} record)");
+    }
+    auto field = [&record](const char *key) -> const std::string * {
+        for (const auto &pair : record)
+            if (pair.first == key)
+                return &pair.second;
+        return nullptr;
+    };
+    const std::string *appId = field("app_id"), *feature = field("feature"),
+                      *extra = field("extra"), *value = field("value");
+    std::string error;
+    if (!g_daemon.usage.isOpen() ||
+        !g_daemon.usage.addRecord(uri, appId ? *appId : "", feature ? *feature : "",
+                                  extra ? extra->c_str() : nullptr,
+                                  value ? value->c_str() : nullptr, &error)) {
+        if (!g_daemon.usage.isOpen())
+            error = "no usage database";
+        say("record %s from %s not stored: %s", feature ? feature->c_str() : "(none)",
+            eldbus_message_sender_get(msg), error.c_str());
+        return eldbus_message_error_new(msg, kErrorNotStored, error.c_str());
+    }
+    say("record %s from %s", feature ? feature->c_str() : "(none)", eldbus_message_sender_get(msg));
+    return eldbus_message_method_return_new(msg);
+}
+
+const Eldbus_Method kProviderMethods[] = {
+    {"Insert", ELDBUS_ARGS({"s", "uri"}, {"a{ss}", "record"}), nullptr, insertCb, 0},
+    {nullptr, nullptr, nullptr, nullptr, 0}};
+const Eldbus_Service_Interface_Desc kProviderDesc = {
+    kProviderInterface, kProviderMethods, nullptr, nullptr, nullptr, nullptr};
+
+// ---- The application manager: Launch and Terminate ----------------------------------------
+// Launch(s app_id, s operation, a{ss} extra_data, i launch_mode) -> (i result, x launch_id)
+// Terminate(x launch_id, s app_id, s operation, a{ss} extra_data, i launch_mode) -> (i result)
+// The result is the platform's app_control code; launch_id the journal id of the launch.
+
+// Journals one request and answers with its result.
+Eldbus_Message *carryOut(const Eldbus_Message *msg, const char *request, long long launchId,
+                         Eldbus_Message_Iter *args) {
+    const char *appId = nullptr, *operation = nullptr;
+    Eldbus_Message_Iter *array = nullptr;
+    int mode = 0;
+    std::vector<std::pair<std::string, std::string>> extra;
+    if (!eldbus_message_iter_arguments_get(args, "ssa{ss}i", &appId, &operation, &array, &mode) ||
+        !readPairs(array, &extra)) {
+        say("refused a malformed %s request from %s", request, eldbus_message_sender_get(msg));
+        return eldbus_message_error_new(msg, kErrorInvalidArgs,
+                                        "expected (s app_id, s operation, a{ss} extra, i mode)");
+    }
+    bool launch = !strcmp(request, "launch");
+    int result = 0;
+    sim::Profile::fault(
+        currentProfile(),
+        launch ? "app_control_send_launch_request" : "app_control_send_terminate_request", appId,
+        &result);
+    if (!launch && result == 0 && !launchId)
+        result = kAppControlInvalidParameter;  // nothing was launched with it
+    nlohmann::json extraData = nlohmann::json::object();
+    for (const auto &pair : extra)
+        extraData[pair.first] = pair.second;
+    std::string error;
+    long long id =
+        g_daemon.usage.isOpen()
+            ? g_daemon.usage.addJournal(
+                  request, appId, operation,
+                  extraData.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace), mode,
+                  result, launchId, &error)
+            : 0;
+    if (!id)
+        say("%s request for %s from %s not journalled: %s", request, appId,
+            eldbus_message_sender_get(msg),
+            g_daemon.usage.isOpen() ? error.c_str() : "no usage database");
+    else
+        say("%s request for %s from %s: %d", request, appId, eldbus_message_sender_get(msg),
+            result);
+    Eldbus_Message *reply = eldbus_message_method_return_new(msg);
+    if (launch)
+        eldbus_message_arguments_append(reply, "ix", result,
+                                        static_cast<int64_t>(result == 0 ? id : 0));
+    else
+        eldbus_message_arguments_append(reply, "i", result);
+    return reply;
+}
+
+Eldbus_Message *launchCb(const Eldbus_Service_Interface *, const Eldbus_Message *msg) {
+    return carryOut(msg, "launch", 0, eldbus_message_iter_get(msg));
+}
+
+Eldbus_Message *terminateCb(const Eldbus_Service_Interface *, const Eldbus_Message *msg) {
+    Eldbus_Message_Iter *args = eldbus_message_iter_get(msg);
+    int64_t launchId = 0;
+    if (!eldbus_message_iter_get_and_next(args, 'x', &launchId)) {
+        say("refused a malformed terminate request from %s", eldbus_message_sender_get(msg));
+        return eldbus_message_error_new(msg, kErrorInvalidArgs, "expected (x launch_id, ...)");
+    }
+    return carryOut(msg, "terminate", launchId, args);
+}
+
+const Eldbus_Method kAppsMethods[] = {
+    {"Launch",
+     ELDBUS_ARGS({"s", "app_id"}, {"s", "operation"}, {"a{ss}", "extra_data"},
+                 {"i", "launch_mode"}),
+     ELDBUS_ARGS({"i", "result"}, {"x", "launch_id"}), launchCb, 0},
+    {"Terminate",
+     ELDBUS_ARGS({"x", "launch_id"}, {"s", "app_id"}, {"s", "operation"}, {"a{ss}", "extra_data"},
+                 {"i", "launch_mode"}),
+     ELDBUS_ARGS({"i", "result"}), terminateCb, 0},
+    {nullptr, nullptr, nullptr, nullptr, 0}};
+const Eldbus_Service_Interface_Desc kAppsDesc = {kAppsInterface, kAppsMethods, nullptr,
+                                                 nullptr,        nullptr,      nullptr};
+
+// ---- Listing the usage database --------------------------------------------------------------
+
+// The rows of "usage" or "launches" as JSON lines, oldest first.
+bool listRows(sim::UsageDb &db, const std::string &what, std::vector<std::string> *lines,
+              std::string *error) {
+    std::vector<nlohmann::json> rows;
+    if (what != "usage" && what != "launches") {
+        *error = "no list '" + what + "' (usage, launches)";
+        return false;
+    }
+    if (!(what == "launches" ? db.listJournal(&rows, error) : db.listUsage(&rows, error)))
+        return false;
+    for (const nlohmann::json &row : rows)
+        lines->push_back(row.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+    return true;
+}
+
+Eldbus_Message *listCb(const Eldbus_Service_Interface *, const Eldbus_Message *msg) {
+    const char *what = nullptr;
+    if (!eldbus_message_arguments_get(msg, "s", &what))
+        return eldbus_message_error_new(msg, kErrorInvalidArgs, "expected (s what)");
+    std::vector<std::string> lines;
+    std::string error = "no usage database";
+    if (!g_daemon.usage.isOpen() || !listRows(g_daemon.usage, what, &lines, &error))
+        return eldbus_message_error_new(msg, "org.freedesktop.DBus.Error.Failed", error.c_str());
+    Eldbus_Message *reply = eldbus_message_method_return_new(msg);
+    Eldbus_Message_Iter *array =
+        eldbus_message_iter_container_new(eldbus_message_iter_get(reply), 'a', "s");
+    for (const std::string &line : lines)
+        eldbus_message_iter_basic_append(array, 's', line.c_str());
+    eldbus_message_iter_container_close(eldbus_message_iter_get(reply), array);
+    return reply;
+}
+
 const Eldbus_Method kSimMethods[] = {
     {"Event", ELDBUS_ARGS({"s", "kind"}, {"as", "args"}), nullptr, eventCb, 0},
+    {"List", ELDBUS_ARGS({"s", "what"}), ELDBUS_ARGS({"as", "rows"}), listCb, 0},
     {nullptr, nullptr, nullptr, nullptr, 0}};
 const Eldbus_Signal kSimSignals[] = {{"Event", ELDBUS_ARGS({"s", "kind"}, {"as", "args"}), 0},
                                      {nullptr, nullptr, 0}};
@@ -199,14 +398,8 @@ Eldbus_Service_Interface *g_devicedBoard = nullptr;
 
 // The profile's "deviced" section, read again for every call.
 nlohmann::json devicedProfile() {
-    std::string text, error;
-    if (!sim::readFile(sim::stateDirFromEnv() + "/profile.json", &text, &error)) {
-        say("device daemon: %s", error.c_str());
-        return nlohmann::json::object();
-    }
-    nlohmann::json profile = nlohmann::json::parse(text, nullptr, false);
-    if (profile.is_discarded() || !profile.is_object() || !profile.contains("deviced") ||
-        !profile["deviced"].is_object())
+    nlohmann::json profile = currentProfile();
+    if (!profile.contains("deviced") || !profile["deviced"].is_object())
         return nlohmann::json::object();
     return profile["deviced"];
 }
@@ -316,13 +509,35 @@ void disconnectedCb(void *, Eldbus_Connection *, void *) {
     quit(0);
 }
 
+// --list WHAT: the usage database of a watch whose daemon is not running, on stdout.
+int listStopped(const std::string &state, const std::string &what) {
+    std::vector<std::string> lines;
+    std::string error;
+    sim::UsageDb db;
+    // A watch that never ran has no database, and nothing to list.
+    if (sim::fileExists(state + "/usage.db") &&
+        (!db.openExisting(state, &error) || !listRows(db, what, &lines, &error))) {
+        fprintf(stderr, "quillset-simd: %s\n", error.c_str());
+        return 1;
+    }
+    for (const std::string &line : lines)
+        printf("%s\n", line.c_str());
+    return fflush(stdout) == 0 ? 0 : 1;
+}
+
 }  // namespace
 
-int main() {
+int main(int argc, char *argv[]) {
     std::string state = sim::stateDirFromEnv();
     if (state.empty()) {
         fprintf(stderr,
                 "quillset-simd: QUILLSET_STATE is not set (it is started by quillset-sim run)\n");
+        return 2;
+    }
+    if (argc == 3 && !strcmp(argv[1], "--list"))
+        return listStopped(state, argv[2]);
+    if (argc != 1) {
+        fprintf(stderr, "usage: quillset-simd [--list usage|launches]\n");
         return 2;
     }
     std::string logPath = state + "/simd.log";
@@ -334,7 +549,7 @@ int main() {
     say("starting (pid %d)", static_cast<int>(getpid()));
     std::string error;
     if (!g_daemon.usage.open(state, &error))
-        say("usage database: %s (calls will not be recorded)", error.c_str());
+        say("usage database: %s (records, launches and calls will not be kept)", error.c_str());
 
     ecore_init();
     eldbus_init();
@@ -353,6 +568,9 @@ int main() {
     g_daemon.simInterface = eldbus_service_interface_register(g_daemon.bus, kSimPath, &kSimDesc);
     g_daemon.logInterface = eldbus_service_interface_register(g_daemon.bus, kLogPath, &kLogDesc);
     g_daemon.homeInterface = eldbus_service_interface_register(g_daemon.bus, kHomePath, &kHomeDesc);
+    g_daemon.providerInterface =
+        eldbus_service_interface_register(g_daemon.bus, kProviderPath, &kProviderDesc);
+    g_daemon.appsInterface = eldbus_service_interface_register(g_daemon.bus, kAppsPath, &kAppsDesc);
     eldbus_name_request(g_daemon.bus, kSimName, ELDBUS_NAME_REQUEST_FLAG_DO_NOT_QUEUE, nameCb,
                         const_cast<char *>(kSimName));
     eldbus_name_request(g_daemon.bus, kLogName, ELDBUS_NAME_REQUEST_FLAG_DO_NOT_QUEUE, nameCb,
@@ -365,6 +583,8 @@ int main() {
     eldbus_service_interface_unregister(g_daemon.simInterface);
     eldbus_service_interface_unregister(g_daemon.logInterface);
     eldbus_service_interface_unregister(g_daemon.homeInterface);
+    eldbus_service_interface_unregister(g_daemon.providerInterface);
+    eldbus_service_interface_unregister(g_daemon.appsInterface);
     devicedStop();
     eldbus_connection_unref(g_daemon.bus);
     eldbus_shutdown();

@@ -526,4 +526,20 @@ std::vector<std::string> Profile::names(const std::string &dir) {
     return names;
 }
 
+bool Profile::fault(const nlohmann::json &profile, const char *call, const char *key, int *code) {
+    auto faults = profile.find("faults");
+    if (!profile.is_object() || faults == profile.end() || !faults->is_array() || !call)
+        return false;
+    for (const auto &entry : *faults) {
+        if (!entry.is_object() || entry.value("call", "") != call)
+            continue;
+        if (entry.contains("key") && (!key || entry.value("key", "") != key))
+            continue;
+        if (code)
+            *code = entry.value("code", -1);
+        return true;
+    }
+    return false;
+}
+
 }  // namespace sim

@@ -32,6 +32,10 @@ public:
     // The names of the profiles in dir, sorted.
     static std::vector<std::string> names(const std::string &dir);
 
+    // True when the profile's "faults" make call (for any key, or for this key) fail; code
+    // receives the error code to answer with (-1 when the entry gives none).
+    static bool fault(const nlohmann::json &profile, const char *call, const char *key, int *code);
+
 private:
     nlohmann::json _json = nlohmann::json::object();
     std::vector<std::string> _warnings;

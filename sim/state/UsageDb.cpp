@@ -1,7 +1,5 @@
 #include "UsageDb.h"
 
-#include <unistd.h>
-
 #include <sqlite3.h>
 
 #include <chrono>
@@ -9,10 +7,6 @@
 namespace sim {
 
 namespace {
-
-// How long a writer waits for the others, and how often it looks again while setting up.
-const int kBusyMs = 2000;
-const int kRetryMs = 10;
 
 const char *const kSchema =
     "CREATE TABLE IF NOT EXISTS usage("
@@ -62,36 +56,35 @@ void UsageDb::close() {
     _db = nullptr;
 }
 
-bool UsageDb::open(const std::string &stateDir, std::string *error) {
+bool UsageDb::_openFile(const std::string &stateDir, int flags, std::string *error) {
     close();
     std::string path = stateDir + "/usage.db";
-    if (sqlite3_open_v2(path.c_str(), &_db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) !=
-        SQLITE_OK) {
-        if (error)
-            *error = "sqlite3_open(" + path + "): " + (_db ? sqlite3_errmsg(_db) : "out of memory");
-        sqlite3_close(_db);
-        _db = nullptr;
-        return false;
-    }
-    // Several processes of the watch write at once; wait for each other rather than fail.
-    sqlite3_busy_timeout(_db, kBusyMs);
-    // With the write-ahead log, NORMAL keeps the database whole and spares every record a wait
-    // for the disk; the last records before a power cut may be lost, which a simulated watch can
-    // afford and the programs writing records (the application at start) should not wait for.
-    // Processes that open a new database at once race to set it up; the busy handler does not
-    // cover changing the journal mode, so the losers try again for as long as it would wait.
-    for (int attempt = 0;; ++attempt) {
-        if (_exec("PRAGMA journal_mode=WAL;", error) &&
-            _exec("PRAGMA synchronous=NORMAL;", error) && _exec(kSchema, error))
-            return true;
-        int code = sqlite3_errcode(_db);
-        if ((code != SQLITE_BUSY && code != SQLITE_LOCKED) || attempt * kRetryMs >= kBusyMs)
-            break;
-        usleep(kRetryMs * 1000);
-    }
+    if (sqlite3_open_v2(path.c_str(), &_db, flags, nullptr) == SQLITE_OK)
+        return true;
+    if (error)
+        *error = "sqlite3_open(" + path + "): " + (_db ? sqlite3_errmsg(_db) : "out of memory");
     sqlite3_close(_db);
     _db = nullptr;
     return false;
+}
+
+bool UsageDb::open(const std::string &stateDir, std::string *error) {
+    // The services daemon is the only process that opens the database, so nothing waits for
+    // another writer or races another to set it up.
+    if (!_openFile(stateDir, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, error))
+        return false;
+    // With the write-ahead log, NORMAL keeps the database whole and spares every row a wait for
+    // the disk (a launch request is answered once its journal row is written); the last rows
+    // before a power cut may be lost, which a simulated watch can afford.
+    if (_exec("PRAGMA journal_mode=WAL;", error) && _exec("PRAGMA synchronous=NORMAL;", error) &&
+        _exec(kSchema, error))
+        return true;
+    close();
+    return false;
+}
+
+bool UsageDb::openExisting(const std::string &stateDir, std::string *error) {
+    return _openFile(stateDir, SQLITE_OPEN_READWRITE, error);
 }
 
 bool UsageDb::_exec(const char *sql, std::string *error) {
@@ -215,7 +208,20 @@ bool UsageDb::listUsage(std::vector<nlohmann::json> *rows, std::string *error) {
 }
 
 bool UsageDb::listJournal(std::vector<nlohmann::json> *rows, std::string *error) {
-    return _list("SELECT * FROM journal ORDER BY id", rows, error);
+    size_t first = rows->size();
+    if (!_list("SELECT * FROM journal ORDER BY id", rows, error))
+        return false;
+    // Extra data is stored as JSON text; it is listed as the object it is.
+    for (size_t i = first; i < rows->size(); ++i) {
+        nlohmann::json &row = (*rows)[i];
+        if (row.contains("extra_data") && row["extra_data"].is_string()) {
+            nlohmann::json extra =
+                nlohmann::json::parse(row["extra_data"].get<std::string>(), nullptr, false);
+            if (!extra.is_discarded())
+                row["extra_data"] = extra;
+        }
+    }
+    return true;
 }
 
 }  // namespace sim

@@ -11,7 +11,8 @@ struct sqlite3;
 namespace sim {
 
 // The usage database of the simulated watch: usage records and calls to the log provider
-// ("usage"), and the journal of launch and terminate requests ("journal").
+// ("usage"), and the journal of launch and terminate requests ("journal"). Only the services
+// daemon (quillset-simd) opens it; everything else asks the daemon.
 class UsageDb {
 public:
     UsageDb();
@@ -19,6 +20,8 @@ public:
 
     // Opens (and creates) <stateDir>/usage.db.
     bool open(const std::string &stateDir, std::string *error);
+    // Opens <stateDir>/usage.db as it is, to list it; fails when there is none.
+    bool openExisting(const std::string &stateDir, std::string *error);
     bool isOpen() const { return _db != nullptr; }
     void close();
 
@@ -32,7 +35,8 @@ public:
                          const std::string &operation, const std::string &extraJson, int launchMode,
                          int result, long long launchId, std::string *error);
 
-    // Rows as JSON objects, oldest first.
+    // Rows as JSON objects, oldest first; absent fields are left out, and a journal row's
+    // extra data is the object it holds.
     bool listUsage(std::vector<nlohmann::json> *rows, std::string *error);
     bool listJournal(std::vector<nlohmann::json> *rows, std::string *error);
 
@@ -40,6 +44,7 @@ public:
     UsageDb &operator=(const UsageDb &) = delete;
 
 private:
+    bool _openFile(const std::string &stateDir, int flags, std::string *error);
     bool _exec(const char *sql, std::string *error);
     bool _list(const char *sql, std::vector<nlohmann::json> *rows, std::string *error);
 
