@@ -6,51 +6,16 @@
 #include <WNaviframeController.h>
 #include <WWindowController.h>
 #include <WPopupController.h>
-#include <WSignal.h>
 #include <vconf.h>
 
 #include <regex>
 #include <vector>
 
 #include "EvasTree.h"
-#include "StAppControlLauncher.h"
-#include "StInfoModel.h"
-#include "StInfoStatusModel.h"
+#include "LiveListeners.h"
 
 using app_assist::WNaviframeController;
-using app_assist::WSignal;
 using app_assist::WViewController;
-
-// What the application keeps private is read here without hooks in it, through explicit
-// instantiation, which is exempt from access checks.
-template <typename Tag, auto Member>
-struct Expose {
-    friend constexpr auto memberOf(Tag) { return Member; }
-};
-struct BoolListeners {
-    friend constexpr auto memberOf(BoolListeners);
-};
-struct VoidListeners {
-    friend constexpr auto memberOf(VoidListeners);
-};
-struct InfoInstance {
-    friend constexpr auto memberOf(InfoInstance);
-};
-struct StatusInstance {
-    friend constexpr auto memberOf(StatusInstance);
-};
-struct LauncherInstance {
-    friend constexpr auto memberOf(LauncherInstance);
-};
-struct LauncherTimer {
-    friend constexpr auto memberOf(LauncherTimer);
-};
-template struct Expose<BoolListeners, &WSignal<void(bool)>::_listeners>;
-template struct Expose<VoidListeners, &WSignal<void()>::_listeners>;
-template struct Expose<InfoInstance, &StInfoModel::_instance>;
-template struct Expose<StatusInstance, &StInfoStatusModel::_instance>;
-template struct Expose<LauncherInstance, &StAppControlLauncher::_instance>;
-template struct Expose<LauncherTimer, &StAppControlLauncher::_timer>;
 
 namespace {
 
@@ -115,7 +80,7 @@ void Invariants::start() {
     _beat = ecore_timer_add(0.1, _beatCb, this);
     _debuggingWasOn = debuggingOn();
     // The About list alone, as the application opened it.
-    _baseListeners = _liveListeners();
+    _baseListeners = live_listeners::count();
     _baseControllers = g_liveControllers;
 }
 
@@ -126,22 +91,6 @@ Eina_Bool Invariants::_beatCb(void *data) {
         self->_longestGap = now - self->_lastBeat;
     self->_lastBeat = now;
     return ECORE_CALLBACK_RENEW;
-}
-
-size_t Invariants::_liveListeners() const {
-    size_t n = 0;
-    if (StInfoModel *info = *memberOf(InfoInstance{})) {
-        for (WSignal<void(bool)> *signal :
-             {&info->getUsbDebuggingChangedSignal(), &info->getReportDiagnosticChangedSignal(),
-              &info->getUsbDebuggingRestrictionChangedSignal()})
-            n += (signal->*memberOf(BoolListeners{})).size();
-    }
-    if (StInfoStatusModel *status = *memberOf(StatusInstance{})) {
-        for (WSignal<void()> *signal :
-             {&status->_msisdnSignal, &status->_esimProfileSignal, &status->_eidSignal})
-            n += (signal->*memberOf(VoidListeners{})).size();
-    }
-    return n;
 }
 
 std::string Invariants::_rawId(const std::string &where) const {
@@ -186,10 +135,8 @@ std::string Invariants::checkNow() {
         return "debugging: the debugging setting turned on without the confirmation popup's OK";
 
     // The launch's block ends with the screen it blocked, in the same deletion.
-    if (StAppControlLauncher *launcher = *memberOf(LauncherInstance{})) {
-        if (launcher->*memberOf(LauncherTimer{}) && !launcher->isUiBlocked())
-            return "lifetime: the launcher's time-out outlived the screen it blocked";
-    }
+    if (live_listeners::launchBlockOutlivesItsScreen())
+        return "lifetime: the launcher's time-out outlived the screen it blocked";
 
     std::string raw = _rawId("the screen");
     return raw.empty() ? raw : "raw-id: " + raw;
@@ -224,7 +171,7 @@ std::string Invariants::checkSettled() {
     // Whenever the About list is alone on screen, nothing of the pages is left.
     if (_reader.depth() != 1 || _reader.topPopup())
         return std::string();
-    size_t listeners = _liveListeners();
+    size_t listeners = live_listeners::count();
     int controllers = g_liveControllers;
     if (listeners != _baseListeners)
         return "lifetime: " + std::to_string(listeners) + " signal listeners on the About list, " +

@@ -34,7 +34,6 @@ public:
 
 private:
     static Eina_Bool _beatCb(void *data);
-    size_t _liveListeners() const;
     std::string _rawId(const std::string &where) const;
 
     const ScreenReader &_reader;

@@ -6,7 +6,6 @@
 // what it measured.
 
 #include <WNaviframeController.h>
-#include <WSignal.h>
 #include <gtest/gtest.h>
 
 #include <libintl.h>
@@ -21,34 +20,17 @@
 #include <vector>
 
 #include "StAppControlLauncher.h"
+#include "LiveListeners.h"
 #include "StInfoBatteryViewController.h"
 #include "StInfoMainViewController.h"
-#include "StInfoModel.h"
 #include "StInfoOpenSrcLicenseViewController.h"
 #include "StInfoRegulatoryInfoViewController.h"
-#include "StInfoStatusModel.h"
 #include "StInfoStatusViewController.h"
 #include "StInfoSwViewController.h"
 #include "support/EflTestEnvironment.h"
 #include "tessid/StInfoTessidViewController.h"
 
 using app_assist::WNaviframeController;
-using app_assist::WSignal;
-
-// The number of live subscriptions is private to the framework's signal; a test reads it
-// without a hook there, through explicit instantiation, which is exempt from access checks.
-template <typename Tag, auto Member>
-struct Expose {
-    friend constexpr auto memberOf(Tag) { return Member; }
-};
-struct BoolListeners {
-    friend constexpr auto memberOf(BoolListeners);
-};
-struct VoidListeners {
-    friend constexpr auto memberOf(VoidListeners);
-};
-template struct Expose<BoolListeners, &WSignal<void(bool)>::_listeners>;
-template struct Expose<VoidListeners, &WSignal<void()>::_listeners>;
 
 namespace {
 
@@ -65,20 +47,6 @@ constexpr bool kMemoryComparable = false;
 #else
 constexpr bool kMemoryComparable = true;
 #endif
-
-size_t liveListeners() {
-    StInfoModel *info = StInfoModel::getInstance();
-    StInfoStatusModel *status = StInfoStatusModel::getInstance();
-    size_t n = 0;
-    for (WSignal<void(bool)> *signal :
-         {&info->getUsbDebuggingChangedSignal(), &info->getReportDiagnosticChangedSignal(),
-          &info->getUsbDebuggingRestrictionChangedSignal()})
-        n += (signal->*memberOf(BoolListeners{})).size();
-    for (WSignal<void()> *signal :
-         {&status->_msisdnSignal, &status->_esimProfileSignal, &status->_eidSignal})
-        n += (signal->*memberOf(VoidListeners{})).size();
-    return n;
-}
 
 // Bytes the allocator has handed out and not had back: unlike resident memory, this does not
 // count freed blocks the allocator keeps, nor the toolkit's mapped caches.
@@ -232,7 +200,7 @@ TEST_F(PagesSoakTest, EveryPagePushedAndPoppedReturnsMemoryAndListeners) {
         cycler.run(n);
         settle(0.1);
         malloc_trim(0);
-        return Measure{residentKb(), heapInUseKb(), liveListeners(), g_livePages};
+        return Measure{residentKb(), heapInUseKb(), live_listeners::count(), g_livePages};
     };
     // Fonts, theme groups and the toolkit's caches fill during the first cycles.
     Measure before = runAndMeasure(warmUp);

@@ -3,7 +3,7 @@ quillset_e2e_test(fault_matrix_e2e_test FaultMatrix_e2e_test.cpp TIMEOUT 180)
 
 # Load and lifecycle; QUILLSET_SOAK=1 (make soak) runs them at full size.
 quillset_efl_test(pages_soak_test PagesSoak_test.cpp)
-target_include_directories(pages_soak_test PRIVATE ${CMAKE_SOURCE_DIR}/platform/src)
+target_include_directories(pages_soak_test PRIVATE ${CMAKE_SOURCE_DIR}/platform/src ${CMAKE_SOURCE_DIR}/drive)
 quillset_e2e_test(settings_soak_test SettingsSoak_test.cpp TIMEOUT 600)
 target_sources(settings_soak_test PRIVATE support/DrivenWatch.cpp)
 quillset_platform_test(platform_vconf_load_test platform_vconf_load_test.cpp)
