@@ -3,6 +3,7 @@
 #include "Driver.h"
 
 #include <Ecore_Evas.h>
+#include <Ecore_X.h>
 #include <WPopupController.h>
 #include <WViewController.h>
 #include <app.h>
@@ -216,6 +217,77 @@ std::string Driver::_translate(const std::string &text) const {
     return ScreenReader::withoutSoftHyphens(dgettext(kDomain, text.c_str()));
 }
 
+namespace {
+
+// A text quoted as in a script, shortened where a page holds a whole document.
+std::string quoted(std::string text) {
+    const size_t kLongest = 60;
+    if (text.size() > kLongest) {
+        size_t cut = kLongest;
+        while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80)
+            --cut;  // not inside a UTF-8 sequence
+        text = text.substr(0, cut) + "...";
+    }
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+// Adds a text to a list of quoted texts, unless it is empty or the one just before.
+void addText(std::string *out, const nlohmann::json &text) {
+    if (!text.is_string() || text.get<std::string>().empty())
+        return;
+    std::string added = quoted(ScreenReader::withoutSoftHyphens(text.get<std::string>()));
+    size_t size = out->size();
+    if (size < added.size() || out->compare(size - added.size(), added.size(), added) != 0)
+        *out += (out->empty() ? "" : ", ") + added;
+}
+
+}  // namespace
+
+std::string Driver::_screenTexts() const {
+    nlohmann::json screen = _reader.dump();
+    std::string out;
+    if (screen["page"].is_string())
+        addText(&out, _translate(screen["page"].get<std::string>()));
+    for (const auto &item : screen["items"]) {
+        std::string row;
+        for (const auto &text : item["texts"])
+            if (text.is_string() && !text.get<std::string>().empty())
+                row += (row.empty() ? "" : ": ") + text.get<std::string>();
+        if (item["check"].is_boolean())
+            row += item["check"].get<bool>() ? " [on]" : " [off]";
+        addText(&out, row);
+    }
+    if (screen["layout"].is_object())
+        for (const auto &text : screen["layout"])
+            addText(&out, text);
+    if (screen["popup"].is_object()) {
+        addText(&out, screen["popup"]["title"]);
+        addText(&out, screen["popup"]["text"]);
+        for (const auto &button : screen["popup"]["buttons"])
+            addText(&out, "[" + button.get<std::string>() + "]");
+    }
+    addText(&out, screen["toast"]);
+    return out.empty() ? "nothing" : out;
+}
+
+std::string Driver::_rowLabels(Evas_Object *list) {
+    std::string out;
+    for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item;
+         item = elm_genlist_item_next_get(item)) {
+        nlohmann::json texts = ScreenReader::rowTexts(item);
+        if (texts.contains("elm.text"))
+            addText(&out, texts["elm.text"]);
+    }
+    return out.empty() ? "none" : out;
+}
+
+std::string Driver::_language() {
+    char *language = vconf_get_str("db/menu_widget/language");
+    std::string text = language ? language : "the watch's language";
+    free(language);
+    return text;
+}
+
 bool Driver::_matches(const std::string &shown, const std::string &wanted) const {
     return shown == wanted || shown == _translate(wanted);
 }
@@ -292,7 +364,7 @@ void Driver::_run(const Line &line) {
             return dumped.find(quoted.substr(1, quoted.size() - 2)) != std::string::npos;
         };
         if (arg.empty() || (!contains(quotedJson) && !contains(quotedText)))
-            _fail(line, "not on screen; the screen is " + dumped);
+            _fail(line, "not on screen; the screen shows " + _screenTexts());
         else
             done(0);
     } else if (command == "set") {
@@ -420,7 +492,8 @@ bool Driver::_tap(const Line &line, const std::string &arg) {
         }
     }
     if (!target) {
-        _skipOrFail(line, "no such row on screen");
+        _skipOrFail(line,
+                    "no such row on screen; its rows, in " + _language() + ": " + _rowLabels(list));
         return false;
     }
     if (_checking) {
@@ -555,23 +628,84 @@ void Driver::_feedClick(int x, int y) {
     evas_event_feed_mouse_up(evas, 1, EVAS_BUTTON_NONE, ts + 60, nullptr);
 }
 
+namespace {
+
+// Why a picture cannot be written to path, or "" when it can: checked before anything is
+// drawn, so that a wrong path costs one line.
+std::string unwritable(const std::string &path) {
+    const std::string png = ".png";
+    if (path.size() <= png.size() || path.compare(path.size() - png.size(), png.size(), png) != 0)
+        return "a picture is a PNG file: its name ends in .png";
+    size_t slash = path.rfind('/');
+    std::string dir = slash == std::string::npos ? "." : path.substr(0, slash == 0 ? 1 : slash);
+    struct stat st;
+    if (stat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode))
+        return "cannot write " + path + ": there is no directory " + dir;
+    if (access(dir.c_str(), W_OK) != 0)
+        return "cannot write " + path + ": " + strerror(errno);
+    if (stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode))
+        return "cannot write " + path + ": not a file";
+    if (stat(path.c_str(), &st) == 0 && access(path.c_str(), W_OK) != 0)
+        return "cannot write " + path + ": " + strerror(errno);
+    return "";
+}
+
+// The pixels a real window shows, read back from the X server as ARGB; empty when the window
+// is not an X window.
+std::vector<unsigned int> windowPixels(Evas_Object *win, int w, int h) {
+    std::vector<unsigned int> argb;
+    Ecore_X_Window xwin = elm_win_xwindow_get(win);
+    Ecore_X_Window_Attributes att;
+    if (!xwin || !ecore_x_window_attributes_get(xwin, &att))
+        return argb;
+    Ecore_X_Image *image = ecore_x_image_new(w, h, att.visual, att.depth);
+    if (!image)
+        return argb;
+    int bpl = 0, rows = 0, bpp = 0;
+    void *src = nullptr;
+    if (ecore_x_image_get(image, xwin, 0, 0, 0, 0, w, h) &&
+        (src = ecore_x_image_data_get(image, &bpl, &rows, &bpp)) && rows >= h) {
+        argb.resize(static_cast<size_t>(w) * h);
+        if (ecore_x_image_is_argb32_get(image)) {
+            for (int y = 0; y < h; ++y)
+                memcpy(&argb[static_cast<size_t>(y) * w], static_cast<char *>(src) + y * bpl,
+                       static_cast<size_t>(w) * 4);
+        } else {
+            ecore_x_image_to_argb_convert(src, bpp, bpl, att.colormap, att.visual, 0, 0, w, h,
+                                          argb.data(), w * 4, 0, 0);
+        }
+        // The screen is opaque whatever the window's depth leaves in the alpha bits.
+        for (unsigned int &pixel : argb)
+            pixel |= 0xff000000u;
+    }
+    ecore_x_image_free(image);
+    return argb;
+}
+
+}  // namespace
+
 bool Driver::_shot(const std::string &path, std::string *error) {
     Evas_Object *win = _reader.window();
     if (!win) {
         *error = "no window";
         return false;
     }
+    *error = unwritable(path);
+    if (!error->empty())
+        return false;
     Ecore_Evas *ee = ecore_evas_ecore_evas_get(evas_object_evas_get(win));
     int w = 0, h = 0;
     ecore_evas_geometry_get(ee, nullptr, nullptr, &w, &h);
     const void *pixels = ecore_evas_buffer_pixels_get(ee);
+    std::vector<unsigned int> shown;
     if (!pixels) {
-        // A real window: read back what it shows.
-        Evas_Object *snapshot = evas_object_image_filled_add(evas_object_evas_get(win));
-        (void)snapshot;
-        evas_object_del(snapshot);
-        *error = "screenshots need the buffer engine (run without --window)";
-        return false;
+        // A real window: what the display shows of it.
+        shown = windowPixels(win, w, h);
+        if (shown.empty()) {
+            *error = "cannot read the window's pixels (a picture of a window needs X11)";
+            return false;
+        }
+        pixels = shown.data();
     }
     Ecore_Evas *canvas = ecore_evas_buffer_new(w, h);
     Evas_Object *image = evas_object_image_filled_add(ecore_evas_get(canvas));
@@ -680,16 +814,20 @@ void Driver::finish() {
         ecore_main_fd_handler_del(_stdinHandler);
         _stdinHandler = nullptr;
     }
-    if (!_finished || !_pending.empty()) {
+    // A command that failed has said why the script stopped.
+    bool reported = _finished && _status != 0;
+    if (!reported && (!_finished || !_pending.empty())) {
         std::string notRun;
         for (const Line &line : _pending) {
             std::string text = trim(line.text);
             if (!text.empty() && text[0] != '#')
                 notRun += "  line " + std::to_string(line.number) + ": " + text + "\n";
         }
-        if (!notRun.empty())
+        if (!notRun.empty()) {
             std::cerr << "quillset-drive: the application ended; not run:\n" << notRun;
-        else
+            if (_status == 0)
+                _status = 1;
+        } else
             std::cerr << "quillset-drive: the application ended\n";
     }
 }

@@ -89,6 +89,11 @@ private:
     bool _runSim(const std::vector<std::string> &args, std::string *error);
     bool _set(const std::vector<std::string> &args, std::string *error);
     std::string _translate(const std::string &text) const;
+    // For failure messages: what the screen shows and the rows of a list, as a person reads
+    // them, and the watch's language.
+    std::string _screenTexts() const;
+    static std::string _rowLabels(Evas_Object *list);
+    static std::string _language();
     bool _matches(const std::string &shown, const std::string &wanted) const;
 
     std::string _simPath;

@@ -1,5 +1,5 @@
 // quillset-drive: runs the About application headless (or in a window) and executes script
-// commands against its screens. See the README for the commands.
+// commands against its screens. See docs/driver.md for the commands.
 
 #include <unistd.h>
 
@@ -51,6 +51,21 @@ void usage() {
                  "  tour DIR | quit\n";
 }
 
+// Why the driver cannot run here, or "" when it can: it drives the application of a running
+// watch, whose state and private bus quillset-sim run hands to its command.
+std::string outsideAWatch(bool window) {
+    std::string state = sim::stateDirFromEnv();
+    const char *bus = getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    if (state.empty() || !sim::fileExists(state + "/profile.json") || !bus || !*bus)
+        return "not inside a watch; start it in one: " + sim::executableDir() +
+               "/quillset-sim run -- quillset-drive";
+    const char *display = getenv("DISPLAY");
+    if (window && (!display || !*display))
+        return "--window needs an X display (DISPLAY is not set); without --window it runs "
+               "headless";
+    return "";
+}
+
 }  // namespace
 
 int main(int argc, char *argv[]) {
@@ -65,9 +80,15 @@ int main(int argc, char *argv[]) {
             usage();
             return 0;
         } else {
+            std::cerr << "quillset-drive: unknown argument '" << argv[i] << "'\n";
             usage();
             return 2;
         }
+    }
+    std::string refusal = outsideAWatch(window);
+    if (!refusal.empty()) {
+        std::cerr << "quillset-drive: " << refusal << "\n";
+        return 2;
     }
     if (!window)
         setenv("ELM_DISPLAY", "buffer", 1);

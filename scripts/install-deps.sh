@@ -7,7 +7,7 @@ set -euo pipefail
 
 packages=(
     build-essential cmake ninja-build pkg-config
-    libefl-all-dev libedje-bin
+    libefl-all-dev libedje-bin libxext-dev
     libdbus-1-dev libdbus-glib-1-dev dbus-daemon
     libphonenumber-dev
     libsqlite3-dev sqlite3

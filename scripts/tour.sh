@@ -25,6 +25,13 @@ if [ ${#profiles[@]} -eq 0 ]; then
     echo "tour: no profiles" >&2
     exit 1
 fi
+# An unknown or broken profile is refused before anything is walked or removed.
+for profile in "${profiles[@]}"; do
+    if ! problem=$("$bin/quillset-sim" check "$profile" 2>&1); then
+        echo "tour: ${problem%%$'\n'*}" >&2
+        exit 2
+    fi
+done
 
 # Only the profiles toured now are replaced; others stay from earlier tours.
 mkdir -p "$out"
@@ -33,7 +40,9 @@ for profile in "${profiles[@]}"; do
 done
 
 total=$((${#profiles[@]} * ${#languages[@]}))
-echo "tour: ${#profiles[@]} profiles x ${#languages[@]} languages = $total walks, $jobs at a time, into $out/"
+plural() { [ "$1" -eq 1 ] && echo "$1 $2" || echo "$1 $2s"; }
+echo "tour: $(plural ${#profiles[@]} profile) x $(plural ${#languages[@]} language) =" \
+    "$(plural $total walk), $jobs at a time, into $out/"
 
 # One walk: a fresh watch, the language set, every reachable screen captured.
 walk() {
@@ -71,11 +80,13 @@ done < <(for profile in "${profiles[@]}"; do
              for lang in "${languages[@]}"; do echo "$profile $lang"; done
          done | xargs -P "$jobs" -L 1 bash -c 'walk "$0" "$1"')
 
-python3 "$top/scripts/tour_index.py" "$out" "${languages[@]}" || failed=1
-echo "tour: contact sheet $out/index.html"
 toured=()
 for profile in "${profiles[@]}"; do toured+=("$out/$profile"); done
 "$bin/quillset-tour-check" "${toured[@]}" >"$out/check.txt" || failed=1
 grep -v '^tour check:' "$out/check.txt" | head -n 20
 tail -n 1 "$out/check.txt"
+# The contact sheet shows this tour's profiles only; others left from earlier tours stay out.
+sheet="$out/index.html"
+python3 "$top/scripts/tour_index.py" "$out" --languages "${languages[@]}" \
+    --profiles "${profiles[@]}" --name "${sheet#"$PWD"/}" || failed=1
 exit $failed

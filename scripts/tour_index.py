@@ -3,8 +3,12 @@
 languages side by side, each picture with its dump's title and rows beneath it, and the
 pictures of the screen scrolled a page at a time (NAME@2, NAME@3, ...) under those.
 
-    tour_index.py OUT_DIR LANG...
+    tour_index.py OUT_DIR --languages LANG... --profiles PROFILE... [--name SHOWN_PATH]
+
+Only the profiles named are on the sheet and in the closing count, so that profiles left in
+OUT_DIR by earlier tours are not taken for this one's.
 """
+import argparse
 import html
 import json
 import os
@@ -79,11 +83,14 @@ def load(directory):
 
 
 def main(argv):
-    if len(argv) < 3:
-        print(__doc__, file=sys.stderr)
-        return 2
-    out, languages = argv[1], argv[2:]
-    profiles = sorted(p for p in os.listdir(out) if os.path.isdir(os.path.join(out, p)))
+    parser = argparse.ArgumentParser(description="Writes the tour's contact sheet.")
+    parser.add_argument("out")
+    parser.add_argument("--languages", nargs="+", required=True)
+    parser.add_argument("--profiles", nargs="+", required=True)
+    parser.add_argument("--name", help="the sheet's path as the closing line shows it")
+    args = parser.parse_args(argv[1:])
+    out, languages = args.out, args.languages
+    profiles = sorted(p for p in args.profiles if os.path.isdir(os.path.join(out, p)))
     parts = [
         "<!doctype html><meta charset=utf-8><title>Kesta About: tour</title>",
         "<style>body{font:14px sans-serif;background:#111;color:#ddd;margin:20px}"
@@ -132,10 +139,16 @@ def main(argv):
                                 html.escape(name), scrolled, rows))
             parts.append("</tr>")
         parts.append("</table>")
-    with open(os.path.join(out, "index.html"), "w", encoding="utf-8") as f:
+    sheet = os.path.join(out, "index.html")
+    with open(sheet, "w", encoding="utf-8") as f:
         f.write("\n".join(parts) + "\n")
-    print("tour: %d screens of %d profiles" % (total, len(profiles)))
+    print("tour: %s of %s; the contact sheet is %s" % (
+        counted(total, "screen"), counted(len(profiles), "profile"), args.name or sheet))
     return 0 if total else 1
+
+
+def counted(n, noun):
+    return "%d %s%s" % (n, noun, "" if n == 1 else "s")
 
 
 if __name__ == "__main__":

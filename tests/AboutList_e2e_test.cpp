@@ -32,7 +32,6 @@ std::vector<std::string> features(const std::vector<json> &usage) {
 TEST(AboutListE2E, TheDefaultWatchShowsItsFactsAndBackEndsTheApplication) {
     SimulatedWatch watch("default");
     auto run = watch.drive("sim event launch\nwait 200\ndump\nback\ndump\n");
-    EXPECT_EQ(run.status, 0) << run.errors;
     ASSERT_EQ(run.dumps.size(), 1u);
     const json &screen = run.dumps[0];
     EXPECT_EQ(screen["page"], "WDS_ST_BODY_ABOUT_KESTA_ABB");

@@ -124,34 +124,49 @@ TEST_F(PlatformInfoTest, PackagesApprovalVersionAndSharedResourcesComeFromThePro
 
 using DlogTest = simtest::StateTest;
 
-TEST_F(DlogTest, EachMessageIsOneStampedLineOnStderrAndInTheLog) {
+TEST_F(DlogTest, EachMessageIsOneStampedLineInTheLogBufferAndOnStderrOnlyWhenAsked) {
+    unsetenv("QUILLSET_LOG_ECHO");
     testing::internal::CaptureStderr();
     int n = dlog_print(DLOG_ERROR, "W-SETTING", "%s: %s(%d) > %s", "StInfoModel.cpp", "_init", 42,
                        "\033[0;31m* Critical * vconf failed\033[0;m");
-    std::string first = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "the terminal gets nothing";
+    std::string first = platformLog();
     std::regex line("^\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d E/W-SETTING\\(" + std::to_string(getpid()) +
                     "\\): StInfoModel\\.cpp: _init\\(42\\) > \033\\[0;31m\\* Critical \\* vconf "
                     "failed\033\\[0;m\n$");
     EXPECT_TRUE(std::regex_match(first, line)) << first;
     EXPECT_EQ(n, static_cast<int>(first.size()));
 
+    // The terminal gets a copy only when QUILLSET_LOG_ECHO asks for one.
+    for (const char *echo : {"", "0", "1"}) {
+        setenv("QUILLSET_LOG_ECHO", echo, 1);
+        size_t before = platformLog().size();
+        testing::internal::CaptureStderr();
+        dlog_print(DLOG_INFO, "T", "echo '%s'", echo);
+        std::string err = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(err, *echo == '1' ? platformLog().substr(before) : "") << echo;
+    }
+
     // Priorities show as letters; a long message is whole, a trailing newline not doubled.
     const std::string big(10000, 'x');
+    size_t before = platformLog().size();
     testing::internal::CaptureStderr();
     for (log_priority priority :
          {DLOG_VERBOSE, DLOG_DEBUG, DLOG_INFO, DLOG_DEFAULT, DLOG_WARN, DLOG_ERROR, DLOG_FATAL})
         dlog_print(priority, "T", "ends with a newline\n");
     EXPECT_EQ(dlog_print(DLOG_SILENT, "T", "never shown"), 0);
     dlog_print(DLOG_INFO, "T", "%s", big.c_str());
-    std::string err = first + testing::internal::GetCapturedStderr(), letters;
-    EXPECT_EQ(platformLog(), err) << "the same lines, colour codes kept";
-    for (size_t at = first.size(); at < err.size(); at = err.find('\n', at) + 1)
+    std::string err = testing::internal::GetCapturedStderr(), letters;
+    unsetenv("QUILLSET_LOG_ECHO");
+    EXPECT_EQ(platformLog().substr(before), err) << "the same lines, colour codes kept";
+    for (size_t at = 0; at < err.size(); at = err.find('\n', at) + 1)
         letters += err[at + 13];  // after "HH:MM:SS.mmm "
     EXPECT_EQ(letters, "VDIIWEFI");
     EXPECT_TRUE(simtest::contains(err, "): " + big + "\n") && !simtest::contains(err, "\n\n"));
 }
 
 TEST(StandInsWithoutAWatch, CallsFailSayingWhyOnceAndLogLinesStillReachStderr) {
+    // With no watch there is no log buffer: stderr is the only place left for a line.
     unsetenv("QUILLSET_STATE");
     testing::internal::CaptureStderr();
     int value = 3;

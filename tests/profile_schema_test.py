@@ -154,6 +154,24 @@ class ProfileSchemaTest(unittest.TestCase):
         self.assertIn("storage.blocksize: unknown key (ignored)", output)
         self.assertIn("colour: unknown key (ignored)", output)
 
+    def test_a_profile_describes_some_part_of_a_watch(self):
+        cases = [({}, False), ({"description": "mine"}, False), ({"wifi": {}}, True)]
+        verdicts = self.check([document for document, _ in cases])
+        for (document, accepted), (loaded, output) in zip(cases, verdicts):
+            self.assertEqual(self.validator.is_valid(document), accepted, document)
+            self.assertEqual(loaded, accepted, output)
+        self.assertIn("describes no part of a watch", verdicts[0][1])
+        [(loaded, output)] = self.check([{"wifi": {}, "colour": "blue"}])
+        self.assertIn(": ok with 1 warning\n", output)
+
+    def test_warnings_are_given_beside_an_error(self):
+        document = {"colour": "blue", "storage": {"block_size": "4k"}, "wifi": {"mac": "x"}}
+        [(loaded, output)] = self.check([document])
+        self.assertFalse(loaded)
+        for part in ("storage.block_size: expected a positive integer",
+                     "colour: unknown key (ignored)", "wifi.mac: unknown key (ignored)"):
+            self.assertIn(part, output)
+
     def test_malformed_json_is_refused_with_its_line_and_column(self):
         path = os.path.join(self.tmp.name, "broken.json")
         with open(path, "w", encoding="utf-8") as f:

@@ -8,6 +8,7 @@
 #include <signal.h>
 
 #include <chrono>
+#include <fstream>
 #include <sstream>
 #include <thread>
 #include <tuple>
@@ -106,10 +107,11 @@ TEST_F(SimCliTest, SettingsAndTheLanguageAreWrittenFromTheCommandLine) {
     const std::string key = "db/test/key", language = "db/menu_widget/language";
     const std::tuple<std::vector<std::string>, std::string, std::string> cases[] = {
         {{"set", key, "bool", "0"}, key, "false\n"},
-        {{"set", key, "double", "2.5e-7"}, key, "2.5e-07\n"},
-        {{"set", key, "string", ""}, key, "\n"},
+        {{"set", key, "bool", "true"}, key, "true\n"},
+        {{"set", "--force", key, "double", "2.5e-7"}, key, "2.5e-07\n"},
+        {{"set", "--force", key, "string", ""}, key, "\n"},
         {{"event", "language", "ko"}, language, "ko_KR.UTF-8\n"},
-        {{"event", "language", "fr_FR.UTF-8"}, language, "fr_FR.UTF-8\n"},
+        {{"event", "language", "de_DE.UTF-8"}, language, "de_DE.UTF-8\n"},
     };
     for (const auto &[args, key, shown] : cases) {  // the command, then what get shows
         ASSERT_EQ(sim(args).status, 0) << args.back();
@@ -118,13 +120,75 @@ TEST_F(SimCliTest, SettingsAndTheLanguageAreWrittenFromTheCommandLine) {
     }
 }
 
+TEST_F(SimCliTest, ALanguageIsOneWhoseCatalogueIsInstalledWhenItIsAskedFor) {
+    // Catalogues of a build of its own: en_XA and pt_BR only.
+    const std::string data = _dir / "data", language = "db/menu_widget/language";
+    for (const char *name : {"en_XA", "pt_BR"}) {
+        std::string dir = data + "/res/locale/" + name + "/LC_MESSAGES";
+        std::string error;
+        ASSERT_TRUE(sim::makeDirs(dir, &error)) << error;
+        simtest::writeText(dir + "/quillset.mo", "");
+    }
+    const std::tuple<std::string, int, std::string> cases[] = {
+        {"en_XA", 0, "en_XA.UTF-8\n"},
+        {"pt_BR.UTF-8", 0, "pt_BR.UTF-8\n"},
+        {"pt", 1, "no message catalogue for 'pt'; there are: en_XA, pt_BR\n"},
+        {"de", 1, "no message catalogue for 'de'; there are: en_XA, pt_BR\n"},
+    };
+    for (const auto &[lang, status, said] : cases) {  // LANG, exit status, what it said
+        CommandResult r = simtest::quillsetSim(
+            {"event", "language", lang}, {{"QUILLSET_STATE", _state}, {"QUILLSET_DATA_DIR", data}});
+        EXPECT_EQ(r.status, status) << lang;
+        EXPECT_EQ(status ? r.err : sim({"get", language}).out,
+                  status ? "quillset-sim: " + said : said)
+            << lang;
+    }
+}
+
+TEST_F(SimCliTest, LogReadsTheWatchsLogBufferByPriorityAndTagAndFollowsIt) {
+    const std::string d = "10:00:00.000 D/A(1): debug\n", w = "10:00:00.001 W/B(1): warn\n",
+                      more = "  the warning's second line\n", e = "10:00:00.002 E/A(2): error\n",
+                      i = "10:00:00.003 I/A(2): info\n";
+    simtest::writeText(_state + "/platform.log", d + w + more + e + i);
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"log"}, d + w + more + e + i},
+        {{"log", "--priority", "W"}, w + more + e},
+        {{"log", "--tag", "A", "--priority", "info"}, e + i},
+        {{"log", "--tag=B", "--tag", "A", "--priority", "fatal"}, ""},
+    };
+    for (const auto &[args, shown] : cases) {
+        CommandResult r = sim(args);
+        EXPECT_EQ(r.status, 0) << r.err;
+        EXPECT_EQ(r.out, shown) << args.back();
+    }
+
+    // -f shows lines as they are logged, and ends with the watch's state directory.
+    const std::string watch = _dir / "followed", out = _dir / "follow.out";
+    std::string error;
+    ASSERT_TRUE(sim::makeDirs(watch, &error)) << error;
+    simtest::writeText(watch + "/platform.log", e);
+    pid_t follower = simtest::startSim({"log", "-f", "--priority", "E"},
+                                       {{"QUILLSET_STATE", watch}}, out, _dir / "follow.err");
+    std::ofstream(watch + "/platform.log", std::ios::app) << d << e;
+    for (int k = 0; k < 500 && simtest::readText(out) != e + e; ++k)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_EQ(simtest::readText(out), e + e);
+    ASSERT_TRUE(sim::removeTree(watch, &error)) << error;
+    int status = -1;
+    for (int k = 0; k < 300 && waitpid(follower, &status, WNOHANG) == 0; ++k)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_TRUE(status != -1 && WIFEXITED(status) && WEXITSTATUS(status) == 0) << "still following";
+    if (status == -1 && kill(follower, SIGKILL) == 0)
+        waitpid(follower, nullptr, 0);
+}
+
 TEST_F(SimCliTest, EveryRefusalSaysWhyAndLosesNothing) {
     const std::string bad = _dir / "bad.json", odd = _dir / "odd.json", key = "db/test/key";
     simtest::writeText(bad, "{\n  \"settings\": {\"db/x\": yes}\n}\n");
-    simtest::writeText(odd, R"({"colour": "red"})");
+    simtest::writeText(odd, R"({"colour": "red", "wifi": {}})");
     ASSERT_EQ(sim({"set", key, "int", "5"}).status, 0);
     simtest::writeText(_state + "/settings/db/test/corrupt", "int:");
-    const std::string notStarted = "\nquillset-sim: the watch was not started";
+    const std::string notStarted = "; the watch was not started";
     const std::tuple<int, std::string, std::vector<std::string>> cases[] = {
         {7, "", {"run", "--", "sh", "-c", "exit 7"}},
         {128 + SIGTERM, "", {"run", "--", "sh", "-c", "kill -TERM $$"}},
@@ -159,8 +223,17 @@ TEST_F(SimCliTest, EveryRefusalSaysWhyAndLosesNothing) {
         {1, "nothing was written", {"set", key, "double", "0x1p3"}},
         {1, "unknown type 'colour' (bool, int, double or string)", {"set", key, "colour", "red"}},
         {1, "invalid key '../key'", {"set", "../key", "int", "1"}},
-        {2, "set takes KEY TYPE VALUE", {"set", key, "int"}},
+        {2, "set takes [--force] KEY TYPE VALUE", {"set", key, "int"}},
         {1, "'de_de' is not a language such as de", {"event", "language", "de_de"}},
+        {1, "no message catalogue for 'eo'; there are: ", {"event", "language", "eo"}},
+        {1,
+         "db/test/key holds an int; a string would change its type (--force writes it anyway)",
+         {"set", key, "string", "hello"}},
+        {1,
+         odd + ": not a list of eSIM profiles, a JSON array of {\"name\"",
+         {"event", "esim", "1", "2", "--profiles", odd}},
+        {2, "event esim takes TYPE DATA (numbers)", {"event", "esim", "1", "two"}},
+        {2, "log: 'loud' is no priority", {"log", "--priority", "loud"}},
     };
     for (const auto &[status, message, args] : cases) {  // exit status, part of the message
         CommandResult r = sim(args);

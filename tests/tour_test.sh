@@ -10,9 +10,28 @@ trap 'rm -rf "$out"' EXIT
 
 fail() { echo "FAIL: $*" >&2; exit 1; }
 
+# An unknown profile is refused in one line before anything is walked or written.
+for command in "scripts/tour.sh $build nosuch" "scripts/run.sh $build nosuch"; do
+    status=0
+    said=$(cd "$root" && env -u DISPLAY -u WAYLAND_DISPLAY TOUR_OUT="$out/refused" \
+        $command 2>&1) || status=$?
+    [ "$status" -eq 2 ] || fail "$command: exit status $status"
+    [ "$(printf '%s\n' "$said" | wc -l)" -eq 1 ] && [[ "$said" == *"nosuch: no such profile"* ]] ||
+        fail "$command said: $said"
+done
+[ ! -e "$out/refused" ] || fail "a refused tour wrote $out/refused"
+
+# A profile left by an earlier tour is neither counted nor on the sheet.
+mkdir -p "$out/older/hi"
+echo '{}' >"$out/older/hi/main.json"
 # The watch sold in India has every page, the regulatory statements among them.
 TOUR_OUT="$out" TOUR_LANGUAGES="hi ar" "$root/scripts/tour.sh" "$build" india \
     >"$out/progress.txt" 2>&1 || { cat "$out/progress.txt"; fail "the tour failed"; }
+last=$(tail -n 1 "$out/progress.txt")
+screens=$(find "$out/india" -name '*.json' | wc -l)
+[ "$last" = "tour: $screens screens of 1 profile; the contact sheet is $out/index.html" ] ||
+    fail "the tour ended with: $last"
+! grep -q 'older' "$out/index.html" || fail "an earlier tour's profile is on the sheet"
 grep -q '\[ 2/2\] india' "$out/progress.txt" || fail "no progress lines: $(cat "$out/progress.txt")"
 grep -q '^tour check: [0-9]* pictures, 0 with cut text' "$out/progress.txt" ||
     fail "no look at the pictures: $(cat "$out/progress.txt")"

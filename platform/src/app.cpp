@@ -22,6 +22,7 @@
 
 #include "AppControlRequest.h"
 #include "DaemonLink.h"
+#include "HostDisplay.h"
 #include "PlatformState.h"
 #include "SimEvents.h"
 
@@ -136,10 +137,15 @@ int ui_app_main(int argc, char **argv, ui_app_lifecycle_callback_s *callback, vo
         dlog_print(DLOG_ERROR, kTag, "ui_app_main: already running");
         return APP_ERROR_ALREADY_RUNNING;
     }
+    // Started outside a watch, the application would meet none of its platform: the line
+    // that says so is enough.
+    if (!platform::hasState())
+        return APP_ERROR_INVALID_CONTEXT;
     AppContext app{*callback, user_data};
     g_app = &app;
 
     setUpLocale();
+    platform::hostDisplayQuiet();
     // The watch's screen density: the toolkit scales by this over the application's base scale.
     setenv("ELM_SCALE", "1.3", 0);
     elm_init(argc, argv);

@@ -1,5 +1,8 @@
-// The platform log: one line per message, "HH:MM:SS.mmm P/TAG(PID): message", on stderr and
-// appended to <state>/platform.log. Messages are kept as given, colour codes included.
+// The platform log: one line per message, "HH:MM:SS.mmm P/TAG(PID): message", appended to the
+// watch's log buffer <state>/platform.log, which `quillset-sim log` reads, as the platform's log
+// reader reads its own. Messages are kept as given, colour codes included. The terminal gets a
+// copy only when QUILLSET_LOG_ECHO is set (to anything but 0), or when there is no watch and so
+// no buffer to keep the line.
 
 #include <dlog.h>
 
@@ -9,6 +12,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <string>
 
@@ -47,6 +52,11 @@ int logFile() {
                                 O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
     }
     return fd;
+}
+
+bool echoWanted() {
+    const char *echo = getenv("QUILLSET_LOG_ECHO");
+    return echo && *echo && strcmp(echo, "0") != 0;
 }
 
 bool writeAll(int fd, const std::string &text) {
@@ -95,9 +105,10 @@ int dlog_vprint(log_priority prio, const char *tag, const char *fmt, va_list ap)
                        "): " + message + "\n";
 
     // One write per line keeps lines whole when several processes log at once. Nothing can be
-    // done about a closed stderr; the log file still gets the line.
-    writeAll(STDERR_FILENO, line);
+    // done about a closed stderr.
     int fd = logFile();
+    if (fd < 0 || echoWanted())
+        writeAll(STDERR_FILENO, line);
     if (fd < 0 || !writeAll(fd, line))
         return -EIO;
     return static_cast<int>(line.size());

@@ -36,6 +36,8 @@ struct CircleObject {
     // wherever the glide has got to.
     int targetIndex = -1;
     double targetTime = 0;
+    // The bar's deletion after its target's; dropped if the canvas takes the bar first.
+    Ecore_Job *barDeleteJob = nullptr;
 };
 
 struct RotaryCallback {
@@ -143,7 +145,9 @@ void barUpdate(void *data) {
 }
 
 void circleBarDeleteJob(void *data) {
-    evas_object_del(static_cast<Evas_Object *>(data));
+    auto *circle = static_cast<CircleObject *>(data);
+    circle->barDeleteJob = nullptr;
+    evas_object_del(circle->bar);
 }
 
 // The watch's lists show a new language at once: their rows' texts come from callbacks, which
@@ -167,7 +171,8 @@ void circleTargetDelCb(void *data, const Efl_Event *) {
         // Owners of the circle object may still name it while the rest of their screen goes
         // away in this same deletion; it goes right after.
         evas_object_hide(circle->bar);
-        ecore_job_add(circleBarDeleteJob, circle->bar);
+        if (!circle->barDeleteJob)
+            circle->barDeleteJob = ecore_job_add(circleBarDeleteJob, circle);
     }
 }
 
@@ -181,6 +186,8 @@ void circleBarDelCb(void *data, const Efl_Event *event) {
         evas_object_smart_callback_del_full(circle->target, "scroll", scrollCb, circle);
         evas_object_smart_callback_del_full(circle->target, "realized", scrollCb, circle);
     }
+    if (circle->barDeleteJob)
+        ecore_job_del(circle->barDeleteJob);
     delete circle;
 }
 

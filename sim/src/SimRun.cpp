@@ -232,7 +232,9 @@ struct Watch {
     }
 };
 
-bool prepareState(const RunOptions &options, Watch *watch) {
+// Seeds the state directory from the profile when it is new or --fresh; false with *problem
+// set when the profile or the directory will not do.
+bool prepareState(const RunOptions &options, Watch *watch, std::string *problem) {
     std::string &state = watch->state;
     bool seeded = fileExists(state + "/profile.json");
     if (seeded && !options.fresh) {
@@ -243,31 +245,21 @@ bool prepareState(const RunOptions &options, Watch *watch) {
     }
     std::string path = Profile::resolve(options.profile, profilesDir());
     if (path.empty()) {
-        say("no profile '" + options.profile + "' in " + profilesDir() +
-            " (`quillset-sim profiles` lists them)");
+        *problem = "no profile '" + options.profile + "' in " + profilesDir() +
+                   " (`quillset-sim profiles` lists them)";
         return false;
     }
     Profile profile;
-    std::string error;
-    if (!profile.load(path, &error)) {
-        say(error);
+    if (!profile.load(path, problem))
         return false;
-    }
     for (const std::string &warning : profile.warnings())
         say("warning: " + warning);
     if (seeded) {
-        for (const char *entry : kStateEntries) {
-            if (!removeTree(state + "/" + entry, &error)) {
-                say(error);
+        for (const char *entry : kStateEntries)
+            if (!removeTree(state + "/" + entry, problem))
                 return false;
-            }
-        }
     }
-    if (!profile.seed(state, &error)) {
-        say(error);
-        return false;
-    }
-    return true;
+    return profile.seed(state, problem);
 }
 
 // Whether a bus already answers on the socket (another run of the same watch).
@@ -440,18 +432,17 @@ int runWatch(const RunOptions &options) {
     watch.state = absolutePath(watch.state);
     std::string error;
     if (!makeDirs(watch.state, &error)) {
-        say(error);
-        say("the watch was not started");
+        say(error + "; the watch was not started");
         return 1;
     }
     if (busAnswers(watch.state + "/bus/system.sock")) {
         say("this watch is already running (its bus answers in " + watch.state +
-            "/bus); talk to it with `quillset-sim --state " + watch.state + " ...`");
-        say("the watch was not started");
+            "/bus); talk to it with `quillset-sim --state " + watch.state +
+            " ...`; the watch was not started");
         return 2;
     }
-    if (!prepareState(options, &watch)) {
-        say("the watch was not started");
+    if (!prepareState(options, &watch, &error)) {
+        say(error + "; the watch was not started");
         return 2;
     }
 

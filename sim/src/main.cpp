@@ -1,9 +1,13 @@
 // quillset-sim: brings up and controls a simulated watch.
 
 #include <dbus/dbus.h>
+#include <dirent.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
+#include <climits>
+#include <cstdint>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "PlatformLog.h"
 #include "Profile.h"
 #include "SettingsStore.h"
 #include "SimRun.h"
@@ -26,24 +31,33 @@ const char *const kUsage =
     "                          start a watch, run CMD in it, stop the watch; --a11y turns\n"
     "                          the accessibility bus on for a desktop screen reader\n"
     "  get KEY                 print a setting (booleans as true/false)\n"
-    "  set KEY TYPE VALUE      write a setting; TYPE is bool, int, double or string\n"
+    "  set [--force] KEY TYPE VALUE\n"
+    "                          write a setting; TYPE is bool, int, double or string; a\n"
+    "                          key keeps its type unless --force\n"
     "  unset KEY               delete a setting, as a reset of the watch would\n"
     "  event launch            a new launch request for the application\n"
-    "  event language LANG     switch the language (en, de, de_DE, de_DE.UTF-8)\n"
+    "  event language LANG     switch the language (de, de_DE, de_DE.UTF-8); one that has\n"
+    "                          a message catalogue\n"
     "  event policy usb-debugging STATUS\n"
     "                          device policy on debugging: 1 restricted, 0 allowed\n"
     "  event sim-refresh [--msisdn NUMBER]\n"
     "                          the SIM was refreshed (optionally with a new number)\n"
     "  event esim TYPE DATA [--profiles FILE]\n"
-    "                          an eSIM event; FILE holds the new profile list (JSON)\n"
+    "                          an eSIM event (TYPE 1 DATA 0-3: the profiles changed); FILE\n"
+    "                          holds the new profile list, a JSON array of\n"
+    "                          {\"name\": TEXT, \"kind\": N, \"state\": N}\n"
     "  event home              the home key was pressed\n"
+    "  log [-f] [--tag TAG] [--priority P]\n"
+    "                          the watch's log; -f follows it; P is V, D, I, W, E or F\n"
+    "                          and keeps that priority and above\n"
     "  profiles                list the device profiles\n"
     "  check PROFILE...        check profiles (names or files): errors, then warnings\n"
     "  usage                   usage records and log-provider calls, as JSON lines\n"
     "  launches                launch and terminate requests, as JSON lines\n"
-    "Every command but run and profiles finds the watch through --state DIR or\n"
+    "Every command but run, profiles and check finds the watch through --state DIR or\n"
     "$QUILLSET_STATE, which run exports to CMD.\n";
 
+const char *const kTextDomain = "quillset";
 const char *const kSimName = "com.nerova.quillset.sim";
 const char *const kSimPath = "/com/nerova/quillset/sim";
 const char *const kSimInterface = "com.nerova.quillset.Sim";
@@ -56,6 +70,12 @@ int usageError(const std::string &message) {
 int fail(const std::string &message) {
     std::cerr << "quillset-sim: " << message << "\n";
     return 1;
+}
+
+// "a bool", "an int", "a double", "a string".
+std::string article(sim::SettingValue::Type type) {
+    std::string name = sim::SettingValue::typeName(type);
+    return (type == sim::SettingValue::Int ? "an " : "a ") + name;
 }
 
 struct Watch {
@@ -79,16 +99,28 @@ int cmdGet(const Watch &watch, const std::vector<std::string> &args) {
     }
 }
 
-int cmdSet(const Watch &watch, const std::vector<std::string> &args) {
+int cmdSet(const Watch &watch, std::vector<std::string> args) {
+    bool force = false;
+    if (!args.empty() && args[0] == "--force") {
+        force = true;
+        args.erase(args.begin());
+    }
     if (args.size() != 3)
-        return usageError("set takes KEY TYPE VALUE");
+        return usageError("set takes [--force] KEY TYPE VALUE");
     if (!sim::SettingsStore::validKey(args[0]))
         return fail("invalid key '" + args[0] + "' (a relative path such as db/setting/x)");
     sim::SettingValue value;
     std::string error;
     if (!sim::SettingValue::parse(args[1], args[2], &value, &error))
         return fail(args[0] + ": " + error + "; nothing was written");
-    if (sim::SettingsStore(watch.state).write(args[0], value, &error) != sim::SettingsStore::Ok)
+    sim::SettingsStore store(watch.state);
+    // The application reads a key with the type it expects: another type is a failed read.
+    sim::SettingValue old;
+    if (!force && store.read(args[0], &old, &error) == sim::SettingsStore::Ok &&
+        old.type != value.type)
+        return fail(args[0] + " holds " + article(old.type) + "; " + article(value.type) +
+                    " would change its type (--force writes it anyway); nothing was written");
+    if (store.write(args[0], value, &error) != sim::SettingsStore::Ok)
         return fail(error);
     return 0;
 }
@@ -184,6 +216,13 @@ int sendEvent(const Watch &watch, const std::string &kind, const std::vector<std
     return status;
 }
 
+bool isInteger(const std::string &text) {
+    char *end = nullptr;
+    errno = 0;
+    long value = strtol(text.c_str(), &end, 10);
+    return !text.empty() && !*end && errno == 0 && value >= INT32_MIN && value <= INT32_MAX;
+}
+
 // "de" -> "de_DE.UTF-8"; "" when lang does not look like a language.
 std::string languageSetting(const std::string &lang) {
     // Languages whose usual country code is not the language code.
@@ -219,6 +258,33 @@ std::string languageSetting(const std::string &lang) {
     return language + "_" + country + ".UTF-8";
 }
 
+// The languages the application has a message catalogue for, as the build installed them
+// (<data dir>/res/locale/LANG/LC_MESSAGES/quillset.mo), sorted.
+std::vector<std::string> catalogues() {
+    std::vector<std::string> found;
+    std::string dir = sim::dataDir() + "/res/locale";
+    if (DIR *d = opendir(dir.c_str())) {
+        while (struct dirent *entry = readdir(d)) {
+            std::string name = entry->d_name;
+            if (name[0] != '.' &&
+                sim::fileExists(dir + "/" + name + "/LC_MESSAGES/" + kTextDomain + ".mo"))
+                found.push_back(name);
+        }
+        closedir(d);
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+// Whether gettext finds a catalogue for "ll_CC.UTF-8": it looks for ll_CC.UTF-8, ll_CC, ll.
+bool hasCatalogue(const std::string &setting, const std::vector<std::string> &languages) {
+    std::string base = setting.substr(0, setting.find('.'));
+    for (const std::string &name : {setting, base, base.substr(0, base.find('_'))})
+        if (std::find(languages.begin(), languages.end(), name) != languages.end())
+            return true;
+    return false;
+}
+
 int cmdEvent(const Watch &watch, const std::vector<std::string> &args) {
     if (args.empty())
         return usageError("event needs a kind (launch, language, policy, sim-refresh, esim, home)");
@@ -231,6 +297,14 @@ int cmdEvent(const Watch &watch, const std::vector<std::string> &args) {
         std::string value = languageSetting(rest[0]);
         if (value.empty())
             return fail("'" + rest[0] + "' is not a language such as de, de_DE or de_DE.UTF-8");
+        std::vector<std::string> languages = catalogues();
+        if (!hasCatalogue(value, languages)) {
+            std::string list;
+            for (const std::string &language : languages)
+                list += (list.empty() ? "" : ", ") + language;
+            return fail("no message catalogue for '" + rest[0] + "'; there are: " +
+                        (list.empty() ? "none (in " + sim::dataDir() + "/res/locale)" : list));
+        }
         std::string error;
         if (sim::SettingsStore(watch.state)
                 .write("db/menu_widget/language", sim::SettingValue::ofString(value), &error) !=
@@ -248,18 +322,26 @@ int cmdEvent(const Watch &watch, const std::vector<std::string> &args) {
     }
     if (kind == "esim") {
         // TYPE DATA [--profiles FILE]: the file's profile list travels as JSON.
+        if ((rest.size() != 2 && !(rest.size() == 4 && rest[2] == "--profiles")) ||
+            !isInteger(rest[0]) || !isInteger(rest[1]))
+            return usageError("event esim takes TYPE DATA (numbers) [--profiles FILE]");
         if (rest.size() == 2)
             return sendEvent(watch, kind, rest);
-        if (rest.size() == 4 && rest[2] == "--profiles") {
-            std::string text, error;
-            if (!sim::readFile(rest[3], &text, &error))
-                return fail(error);
-            nlohmann::json profiles = nlohmann::json::parse(text, nullptr, false);
-            if (profiles.is_discarded() || !profiles.is_array())
-                return fail(rest[3] + ": not a JSON array of eSIM profiles");
-            return sendEvent(watch, kind, {rest[0], rest[1], profiles.dump()});
-        }
-        return usageError("event esim takes TYPE DATA [--profiles FILE]");
+        std::string text, error;
+        if (!sim::readFile(rest[3], &text, &error))
+            return fail(error);
+        nlohmann::json profiles = nlohmann::json::parse(text, nullptr, false);
+        bool valid = profiles.is_array();
+        for (const nlohmann::json &entry : valid ? profiles : nlohmann::json::array())
+            valid = valid && entry.is_object() && entry.size() == 3 &&
+                    entry.value("name", nlohmann::json()).is_string() &&
+                    entry.value("kind", nlohmann::json()).is_number_integer() &&
+                    entry.value("state", nlohmann::json()).is_number_integer();
+        if (!valid)
+            return fail(rest[3] +
+                        ": not a list of eSIM profiles, a JSON array of "
+                        "{\"name\": TEXT, \"kind\": N, \"state\": N}");
+        return sendEvent(watch, kind, {rest[0], rest[1], profiles.dump()});
     }
     return sendEvent(watch, kind, rest);
 }
@@ -373,7 +455,7 @@ int cmdCheck(const std::vector<std::string> &names) {
         sim::Profile profile;
         std::string error;
         if (path.empty()) {
-            printf("%s: no such profile\n", name.c_str());
+            printf("%s: no such profile (`quillset-sim profiles` lists them)\n", name.c_str());
             status = 1;
         } else if (!profile.load(path, &error)) {
             printf("%s\n", error.c_str());
@@ -381,12 +463,41 @@ int cmdCheck(const std::vector<std::string> &names) {
         } else if (profile.warnings().empty()) {
             printf("%s: ok\n", path.c_str());
         } else {
-            printf("%s: ok with %zu warnings\n", path.c_str(), profile.warnings().size());
+            size_t count = profile.warnings().size();
+            printf("%s: ok with %zu warning%s\n", path.c_str(), count, count == 1 ? "" : "s");
         }
         for (const std::string &warning : profile.warnings())
             printf("  warning: %s\n", warning.c_str());
     }
     return status;
+}
+
+// log [-f] [--tag TAG]... [--priority P]: the watch's log buffer, filtered.
+int cmdLog(const Watch &watch, const std::vector<std::string> &args) {
+    sim::PlatformLog log;
+    bool follow = false;
+    for (size_t i = 0; i < args.size(); ++i) {
+        std::string value, error;
+        if (args[i] == "-f" || args[i] == "--follow") {
+            follow = true;
+        } else if (takeOption(args, &i, "--tag", &value, &error)) {
+            if (!error.empty())
+                return usageError("log: " + error);
+            log.addTag(value);
+        } else if (takeOption(args, &i, "--priority", &value, &error)) {
+            if (!error.empty())
+                return usageError("log: " + error);
+            char priority = sim::PlatformLog::priority(value);
+            if (!priority)
+                return usageError("log: '" + value +
+                                  "' is no priority (V, D, I, W, E or F; or verbose, debug, info, "
+                                  "warn, error, fatal)");
+            log.setMinimum(priority);
+        } else {
+            return usageError("log: unknown option '" + args[i] + "'");
+        }
+    }
+    return log.show(watch.state, follow);
 }
 
 }  // namespace
@@ -424,8 +535,8 @@ int main(int argc, char *argv[]) {
     if (command == "check")
         return cmdCheck(rest);
 
-    static const char *const kStateCommands[] = {"get",   "set",   "unset",
-                                                 "event", "usage", "launches"};
+    static const char *const kStateCommands[] = {"get",   "set",      "unset", "event",
+                                                 "usage", "launches", "log"};
     bool known = false;
     for (const char *name : kStateCommands)
         known = known || command == name;
@@ -451,6 +562,8 @@ int main(int argc, char *argv[]) {
         return cmdUnset(watch, rest);
     if (command == "event")
         return cmdEvent(watch, rest);
+    if (command == "log")
+        return cmdLog(watch, rest);
     if ((command == "usage" || command == "launches") && !rest.empty())
         return usageError(command + " takes no arguments");
     return cmdList(watch, command);

@@ -67,37 +67,41 @@ public:
         return (path.empty() ? "" : path) + "[" + Json(key).dump() + "]";
     }
 
-    bool fail(const std::string &path, const std::string &expected, const Json &value) {
-        _error = _source + ": " + (path.empty() ? "(top level)" : path) + ": expected " + expected +
-                 ", found " + describe(value);
+    // The first error is the one reported; checking goes on for the warnings after it.
+    bool failWith(const std::string &path, const std::string &what) {
+        if (_error.empty())
+            _error = _source + ": " + (path.empty() ? "(top level)" : path) + ": " + what;
         return false;
     }
 
+    bool fail(const std::string &path, const std::string &expected, const Json &value) {
+        return failWith(path, "expected " + expected + ", found " + describe(value));
+    }
+
     bool failMissing(const std::string &path, const std::string &expected) {
-        _error = _source + ": " + path + ": missing (expected " + expected + ")";
-        return false;
+        return failWith(path, "missing (expected " + expected + ")");
     }
 
     void warn(const std::string &path, const std::string &what) {
         _warnings->push_back(_source + ": " + path + ": " + what);
     }
 
-    // An object whose known keys follow their rules; other keys are warned about.
+    // An object whose known keys follow their rules; other keys are warned about, those after
+    // a wrong value too.
     bool fields(const Json &value, const std::string &path,
                 const std::map<std::string, Rule> &known) {
         if (!value.is_object())
             return fail(path, "an object", value);
+        bool ok = true;
         for (auto &entry : value.items()) {
             std::string at = child(path, entry.key());
             auto rule = known.find(entry.key());
-            if (rule == known.end()) {
+            if (rule == known.end())
                 warn(at, "unknown key (ignored)");
-                continue;
-            }
-            if (!rule->second(entry.value(), at))
-                return false;
+            else if (!rule->second(entry.value(), at))
+                ok = false;
         }
-        return true;
+        return ok;
     }
 
     // An object of any keys whose values all follow one rule.
@@ -116,11 +120,9 @@ public:
         return [this, each, maxSize](const Json &v, const std::string &path) {
             if (!v.is_array())
                 return fail(path, "an array", v);
-            if (v.size() > maxSize) {
-                _error = _source + ": " + path + ": expected at most " + std::to_string(maxSize) +
-                         " entries, found " + std::to_string(v.size());
-                return false;
-            }
+            if (v.size() > maxSize)
+                return failWith(path, "expected at most " + std::to_string(maxSize) +
+                                          " entries, found " + std::to_string(v.size()));
             for (size_t k = 0; k < v.size(); ++k)
                 if (!each(v[k], path + "[" + std::to_string(k) + "]"))
                     return false;
@@ -349,7 +351,14 @@ bool validate(const Json &json, const std::string &source, std::vector<std::stri
         *error = c.error();
         return false;
     }
-    return true;
+    // An empty file or one of another kind is more likely a mistake than a watch with nothing.
+    for (auto &entry : json.items())
+        if (entry.key() != "description" && known.count(entry.key()))
+            return true;
+    *error = source +
+             ": (top level): describes no part of a watch (expected at least one "
+             "section, such as system_info or settings)";
+    return false;
 }
 
 // Line and column (both from 1) of a byte offset.
@@ -462,11 +471,11 @@ bool Profile::parse(const std::string &text, const std::string &sourceName, std:
         return false;
     }
     std::vector<std::string> warnings;
-    if (!validate(parsed, sourceName, &warnings, error))
-        return false;
-    _json = std::move(parsed);
+    bool valid = validate(parsed, sourceName, &warnings, error);
     _warnings = std::move(warnings);
-    return true;
+    if (valid)
+        _json = std::move(parsed);
+    return valid;
 }
 
 std::string Profile::description() const {
