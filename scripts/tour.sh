@@ -42,7 +42,7 @@ done
 total=$((${#profiles[@]} * ${#languages[@]}))
 plural() { [ "$1" -eq 1 ] && echo "$1 $2" || echo "$1 $2s"; }
 echo "tour: $(plural ${#profiles[@]} profile) x $(plural ${#languages[@]} language) =" \
-    "$(plural $total walk), $jobs at a time, into $out/"
+    "$(plural $total walk), $jobs at a time, into ${out#"$PWD"/}/"
 
 # One walk: a fresh watch, the language set, every reachable screen captured.
 walk() {
