@@ -180,9 +180,17 @@ void Driver::_runNext() {
     }
     if (_inputDone) {
         // The script is over: end the application as a person would leave it.
-        _finished = true;
-        ui_app_exit();
+        _endApplication();
     }
+}
+
+void Driver::_endApplication() {
+    _finished = true;
+    // A frame still being drawn on the render thread when the canvas goes away crashes the
+    // toolkit: a person never leaves that fast, a script does.
+    if (Evas_Object *win = _reader.window())
+        evas_sync(evas_object_evas_get(win));
+    ui_app_exit();
 }
 
 void Driver::_after(double delay, std::function<void()> then) {
@@ -209,8 +217,7 @@ void Driver::_fail(const Line &line, const std::string &reason) {
         _scheduleNext(0);
         return;
     }
-    _finished = true;
-    ui_app_exit();
+    _endApplication();
 }
 
 std::string Driver::_translate(const std::string &text) const {
@@ -393,8 +400,7 @@ void Driver::_run(const Line &line) {
         _invariants.start();
         done(0);
     } else if (command == "quit") {
-        _finished = true;
-        ui_app_exit();
+        _endApplication();
     } else {
         _fail(line,
               "unknown command (dump, a11y, tap, press, back, bezel, wait, shot, expect, set, "
@@ -449,8 +455,7 @@ void Driver::_invariantBroken(const Line &line, const std::string &what) {
     std::cerr << "quillset-drive: line " << line.number << ": " << line.text
               << ": invariant broken: " << what << "\n";
     _status = 3;
-    _finished = true;
-    ui_app_exit();
+    _endApplication();
 }
 
 bool Driver::_tap(const Line &line, const std::string &arg) {

@@ -37,6 +37,8 @@ private:
     void _runNext();
     void _run(const Line &line);
     void _fail(const Line &line, const std::string &reason);
+    // Ends the application once the frame being drawn is done.
+    void _endApplication();
     void _after(double delay, std::function<void()> then);
     static Eina_Bool _afterCb(void *data);
 
