@@ -10,7 +10,8 @@ file that was never committed is not there), with build/ leading to the build un
 - Every `sh` block runs in a shell of its own at the top of the copy, command by command: each
   must exit 0 and say nothing on stderr but the watch's "watch running" line. A command that
   keeps a window open or follows the log (quillset-info, `log -f`) must still be running after a
-  few seconds. A `make` line is checked with `make -n`, since running it would build.
+  few seconds. A `make` line is checked with `make -n`, since running it would build; a `ctest`
+  line is not run, since it would write over the log of the test run this test is part of.
 - Every `console` block's commands (its `$ ` lines) print what follows them, stdout and stderr
   together: a line ending in "..." stands for any line that starts with what comes before; the
   letters XXXXXX for any six letters or digits.
@@ -36,6 +37,7 @@ LASTING = re.compile(r"quillset-info|\blog\b.*\s-f\b")
 LASTING_SECONDS = 4
 TIMEOUT_SECONDS = 120
 MAKE = re.compile(r"^((?:\w+=\S*\s+)*)make\b(.*)$", re.S)
+CTEST = re.compile(r"(^|[;&|(]\s*)ctest\b")
 FENCE = re.compile(r"^( *)```([\w+-]*)\s*$")
 LINK = re.compile(r"!?\[[^\]]*\]\(([^)\s]+)(?:\s+\"[^\"]*\")?\)")
 # What a command may say on stderr: the watch's line, and the toolkit's animation timer when a
@@ -250,6 +252,9 @@ class Page:
     def run_sh(self, shell, line, command):
         code = command.split(" #")[0].strip()
         make = MAKE.match(code)
+        if CTEST.search(code):
+            self.test.skipped += 1
+            return
         if make:
             self.test.makes += 1
             command = "%smake -n%s" % (make.group(1), make.group(2))
@@ -293,7 +298,7 @@ class DocsTest:
         self.bin = os.path.join(os.path.abspath(build), "bin")
         self.display = Display()
         self.failures, self.watches = [], []
-        self.ran = self.makes = self.consoles = 0
+        self.ran = self.makes = self.consoles = self.skipped = 0
         os.makedirs(self.clone)
         fresh_copy(source, self.clone)
         os.symlink(os.path.abspath(build), os.path.join(self.clone, "build"))
@@ -317,8 +322,9 @@ class DocsTest:
         for failure in self.failures:
             print("FAIL " + failure)
         print("docs: %d pages, %d commands run (%d make lines with make -n, %d outputs "
-              "compared), %d failed" % (len(pages), self.ran, self.makes, self.consoles,
-                                        len(self.failures)))
+              "compared), %d ctest lines not run, %d failed"
+              % (len(pages), self.ran, self.makes, self.consoles, self.skipped,
+                 len(self.failures)))
         if not self.failures:
             shutil.rmtree(self.tmp, ignore_errors=True)
         else:
