@@ -25,6 +25,7 @@
 #include <iostream>
 #include <memory>
 #include <sstream>
+#include <utility>
 
 #include "EvasTree.h"
 #include "PlatformState.h"
@@ -165,6 +166,7 @@ void Driver::_runNext() {
         _checkInvariants(_lastLine);
         return;
     }
+    _countFrames();
     while (!_pending.empty()) {
         Line line = _pending.front();
         _pending.pop_front();
@@ -186,11 +188,19 @@ void Driver::_runNext() {
 
 void Driver::_endApplication() {
     _finished = true;
-    // A frame still being drawn on the render thread when the canvas goes away crashes the
-    // toolkit: a person never leaves that fast, a script does.
-    if (Evas_Object *win = _reader.window())
-        evas_sync(evas_object_evas_get(win));
-    ui_app_exit();
+    // The buffer engine frees its pixels before it waits for the render thread: a frame still
+    // being drawn when the canvas goes away crashes the toolkit. A person never leaves that
+    // fast, a script does: no frame is started any more, and the one being drawn is let end.
+    Evas_Object *win = _reader.window();
+    if (win)
+        ecore_evas_manual_render_set(ecore_evas_ecore_evas_get(evas_object_evas_get(win)),
+                                     EINA_TRUE);
+    if (!win || !_rendering) {
+        ui_app_exit();
+        return;
+    }
+    _exitWhenDrawn = true;
+    _after(2.0, []() { ui_app_exit(); });
 }
 
 void Driver::_after(double delay, std::function<void()> then) {
@@ -511,23 +521,30 @@ bool Driver::_tap(const Line &line, const std::string &arg) {
     }
     // Bring the row into view first, then touch its centre once it has been drawn there.
     elm_genlist_item_show(target, ELM_GENLIST_ITEM_SCROLLTO_IN);
-    _after(kSettle, [this, line, target, list]() {
-        bool found = false;
-        for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item;
-             item = elm_genlist_item_next_get(item))
-            found = found || item == target;
-        if (!found) {
-            _skipOrFail(line, "the row went away before it could be touched");
-            return;
-        }
-        if (!_touchRow(target)) {
-            _skipOrFail(line, "the row is not on screen");
-            return;
-        }
+    _after(kSettle,
+           [this, line, target, list]() { _touchWhenShown(line, list, target, kSettledTries); });
+    return true;
+}
+
+void Driver::_touchWhenShown(const Line &line, Evas_Object *list, Elm_Object_Item *target,
+                             int triesLeft) {
+    bool found = false;
+    for (Elm_Object_Item *item = elm_genlist_first_item_get(list); item;
+         item = elm_genlist_item_next_get(item))
+        found = found || item == target;
+    if (!found) {
+        _skipOrFail(line, "the row went away before it could be touched");
+    } else if (_touchRow(target)) {
         _busy = false;
         _scheduleNext(kSettle * 2);
-    });
-    return true;
+    } else if (triesLeft == 0) {
+        _skipOrFail(line, "the row is not on screen");
+    } else {
+        // A busy machine draws the scrolled list late.
+        _after(0.1, [this, line, list, target, triesLeft]() {
+            _touchWhenShown(line, list, target, triesLeft - 1);
+        });
+    }
 }
 
 bool Driver::_press(const Line &line, const std::string &arg) {
@@ -1154,12 +1171,21 @@ void Driver::_countFrames() {
     if (_framesCounted || !win)
         return;
     _framesCounted = true;
-    evas_event_callback_add(evas_object_evas_get(win), EVAS_CALLBACK_RENDER_POST, _renderPostCb,
-                            this);
+    Evas *evas = evas_object_evas_get(win);
+    evas_event_callback_add(evas, EVAS_CALLBACK_RENDER_PRE, _renderPreCb, this);
+    evas_event_callback_add(evas, EVAS_CALLBACK_RENDER_POST, _renderPostCb, this);
+}
+
+void Driver::_renderPreCb(void *data, Evas *, void *) {
+    static_cast<Driver *>(data)->_rendering = true;
 }
 
 void Driver::_renderPostCb(void *data, Evas *, void *) {
-    ++static_cast<Driver *>(data)->_frames;
+    auto *self = static_cast<Driver *>(data);
+    ++self->_frames;
+    self->_rendering = false;
+    if (std::exchange(self->_exitWhenDrawn, false))
+        ui_app_exit();
 }
 
 double Driver::_revealSwitches(std::function<void(const ScreenReader::SwitchStates &)> done) {

@@ -50,8 +50,10 @@ private:
     bool _touchRow(Elm_Object_Item *item);
     // Whether a row is drawn inside the round screen, and its centre.
     bool _onScreen(Elm_Object_Item *item, int *cx, int *cy);
-    // Frames drawn, so that a step can tell a slow screen from one that will not change.
+    // Frames drawn, so that a step can tell a slow screen from one that will not change, and
+    // whether one is being drawn.
     void _countFrames();
+    static void _renderPreCb(void *data, Evas *evas, void *info);
     static void _renderPostCb(void *data, Evas *evas, void *info);
     // What a touched row opened: a popup is captured and closed, a page explored.
     double _tourAfterTouch(const std::string &child, int depth, int depthBefore, int looksLeft);
@@ -82,6 +84,9 @@ private:
     void _invariantBroken(const Line &line, const std::string &what);
 
     bool _tap(const Line &line, const std::string &arg);
+    // Touches a row brought into view once it is drawn there, trying for about a second.
+    void _touchWhenShown(const Line &line, Evas_Object *list, Elm_Object_Item *target,
+                         int triesLeft);
     bool _press(const Line &line, const std::string &arg);
     bool _visibleAt(Evas_Object *target, int *cx, int *cy);
     void _pressWhenVisible(const Line &line, Evas_Object *target, int turnsLeft);
@@ -116,6 +121,8 @@ private:
     int _tourScreens = 0;
     bool _framesCounted = false;
     long _frames = 0;
+    bool _rendering = false;      // a frame is being drawn
+    bool _exitWhenDrawn = false;  // the application ends once it is
     long _framesAtTouch = 0;
     Line _tourLine;
     ScreenReader::SwitchStates _tourSwitches;
