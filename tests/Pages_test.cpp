@@ -544,8 +544,8 @@ TEST_F(PagesTest, ModelNumberGainsTheCarrierLetterOnlyForItsModel) {
 
 // Software model
 
-// The approval version replaces the build only when the service says it has one, gives it and
-// it is not empty.
+// The approval version replaces the build only when the service says it has one and it is not
+// empty.
 TEST_F(PagesTest, SoftwareVersionIsTheBuildUnlessANonEmptyApprovalVersionReplacesIt) {
     const char *const build =
         R"("system_info": {"platform": {"system/build.string": "M480-EU-3.2"}})";
@@ -557,9 +557,6 @@ TEST_F(PagesTest, SoftwareVersionIsTheBuildUnlessANonEmptyApprovalVersionReplace
         {R"("csc": {"approval_version": ""})", "M480-EU-3.2"},
         {R"("csc": {"approval_version": "M480-XM-3.2.0702"}, "faults": [
              {"call": "csc_svc_config_chk_approval_version_exist", "code": 0}])",
-         "M480-EU-3.2"},
-        {R"("csc": {"approval_version": "M480-XM-3.2.0702"}, "faults": [
-             {"call": "csc_svc_config_get_approval_version", "code": 0}])",
          "M480-EU-3.2"},
     };
     for (const auto &line : lines) {
