@@ -105,17 +105,7 @@ protected:
     // The profile, and its settings written as seeding a watch would write them.
     static void useWatch(const json &profile) {
         writeProfile(profile.dump());
-        json settings = profile.value("settings", json::object());
-        for (const auto &entry : settings.items()) {
-            const char *key = entry.key().c_str();
-            const json &value = entry.value();
-            if (value.is_boolean())
-                vconf_set_bool(key, value.get<bool>());
-            else if (value.is_number_integer())
-                vconf_set_int(key, value.get<int>());
-            else
-                vconf_set_str(key, value.get<std::string>().c_str());
-        }
+        writeSettings(profile.value("settings", json::object()));
     }
 
     static app_assist::WContentViewController *newPage(const std::string &page) {
