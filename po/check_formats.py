@@ -22,15 +22,32 @@ import subprocess
 import sys
 import tempfile
 
-sys.dont_write_bytecode = True  # keep the source tree free of __pycache__
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-import pofile  # noqa: E402
-
+import polib
 
 # One printf conversion, as glibc reads it: %%, or %[n$][flags][width][.precision][length]conv.
-_DIRECTIVE = re.compile(r"%(?:%|(?:\d+\$)?[-+ #0']*(?:\*(?:\d+\$)?|\d+)?"
-                        r"(?:\.(?:\*(?:\d+\$)?|\d*))?(?:hh|h|ll|l|L|q|j|z|Z|t)?"
-                        r"[diouxXeEfFgGaAcspnCSm])")
+DIRECTIVE = re.compile(r"%(?:%|(?:\d+\$)?[-+ #0']*(?:\*(?:\d+\$)?|\d+)?"
+                       r"(?:\.(?:\*(?:\d+\$)?|\d*))?(?:hh|h|ll|l|L|q|j|z|Z|t)?"
+                       r"[diouxXeEfFgGaAcspnCSm])")
+
+
+def translations(entry):
+    """The texts of an entry: its msgstr, or its plural forms in order."""
+    if entry.msgid_plural:
+        return [entry.msgstr_plural[i] for i in sorted(entry.msgstr_plural)]
+    return [entry.msgstr]
+
+
+def key(entry):
+    """What makes an entry unique in its catalogue (context and id)."""
+    return entry.msgid if entry.msgctxt is None else entry.msgctxt + '\x04' + entry.msgid
+
+
+def load(path):
+    """The catalogue at path, or a one-line error naming it."""
+    try:
+        return polib.pofile(path, wrapwidth=0)
+    except (OSError, ValueError) as e:
+        raise SystemExit('error: %s: %s' % (path, e))
 
 
 def invalid_formats(reference, ref_path):
@@ -38,55 +55,42 @@ def invalid_formats(reference, ref_path):
     translation with its source only when the source is valid, so check the source here."""
     problems = []
     for e in reference:
-        if e.is_header or 'c-format' not in e.flags:
+        if 'c-format' not in e.flags:
             continue
-        for text in e.translations():
+        for text in translations(e):
             i = text.find('%')
             while i >= 0:
-                m = _DIRECTIVE.match(text, i)
+                m = DIRECTIVE.match(text, i)
                 if not m:
                     problems.append('%s:%d: %s: the English text is not a valid C format '
-                                    'string: %r' % (ref_path, e.line, e.msgid, text[i:i + 8]))
+                                    'string: %r' % (ref_path, e.linenum, e.msgid, text[i:i + 8]))
                     break
                 i = text.find('%', m.end())
     return problems
 
 
-def build_check_copy(reference, catalogue, ref_path, cat_path):
-    """Returns (text of the copy, [(copy line, catalogue line, id)]) or raises PoError."""
-    english = {e.key: e for e in reference if not e.is_header}
-    out = []
-    where = []
-    line = 1
-
-    def emit(text):
-        nonlocal line
-        out.append(text)
-        line += text.count('\n')
-
+def check_copy(reference, catalogue, ref_path, cat_path):
+    """The copy msgfmt checks: each entry's msgid replaced by its English text."""
+    english = {key(e): e for e in reference}
+    copy = polib.POFile(wrapwidth=0)
+    copy.metadata = catalogue.metadata
+    origin = []  # (the copy's entry, the catalogue's line, id)
     for e in catalogue:
-        if e.is_header:
-            emit('msgid ""\nmsgstr %s\n\n' % pofile.quote(e.msgstr[0]))
-            continue
-        ref = english.get(e.key)
+        ref = english.get(key(e))
         if ref is None:
-            raise pofile.PoError('%s:%d: %s has no English text in %s to check it against'
-                                 % (cat_path, e.line, e.msgid, os.path.basename(ref_path)))
-        where.append((line, e.line, e.msgid))
-        flags = sorted((ref.flags | e.flags) - {'fuzzy'})
-        if flags:
-            emit('#, %s\n' % ', '.join(flags))
-        emit('msgctxt %s\n' % pofile.quote(e.key))
-        source = ref.translations()
-        emit('msgid %s\n' % pofile.quote(source[0]))
-        if e.msgid_plural is not None:
-            emit('msgid_plural %s\n' % pofile.quote(source[-1]))
-            for i, text in sorted(e.msgstr.items()):
-                emit('msgstr[%d] %s\n' % (i, pofile.quote(text)))
+            raise SystemExit('error: %s:%d: %s has no English text in %s to check it against'
+                             % (cat_path, e.linenum, e.msgid, os.path.basename(ref_path)))
+        source = translations(ref)
+        entry = polib.POEntry(msgctxt=key(e), msgid=source[0],
+                              flags=sorted(set(ref.flags) | set(e.flags) - {'fuzzy'}))
+        if e.msgid_plural:
+            entry.msgid_plural = source[-1]
+            entry.msgstr_plural = dict(e.msgstr_plural)
         else:
-            emit('msgstr %s\n' % pofile.quote(e.msgstr[0]))
-        emit('\n')
-    return ''.join(out), where
+            entry.msgstr = e.msgstr
+        copy.append(entry)
+        origin.append((entry, e.linenum, e.msgid))
+    return copy, origin
 
 
 def main():
@@ -96,41 +100,37 @@ def main():
     parser.add_argument('catalogue')
     args = parser.parse_args()
 
-    try:
-        reference = pofile.parse(args.reference)
-        catalogue = pofile.parse(args.catalogue)
-        text, where = build_check_copy(reference, catalogue, args.reference, args.catalogue)
-    except pofile.PoError as e:
-        print('error: %s' % e, file=sys.stderr)
-        return 1
+    reference = load(args.reference)
+    catalogue = load(args.catalogue)
+    copy, origin = check_copy(reference, catalogue, args.reference, args.catalogue)
     bad = invalid_formats(reference, args.reference)
     for problem in bad:
         print(problem, file=sys.stderr)
 
     with tempfile.TemporaryDirectory(prefix='quillset-po-') as tmp:
-        copy = os.path.join(tmp, os.path.basename(args.catalogue))
-        with open(copy, 'w', encoding='utf-8') as f:
-            f.write(text)
+        path = os.path.join(tmp, os.path.basename(args.catalogue))
+        copy.save(path)
+        # Where each entry of the copy starts, to name the catalogue's own line.
+        starts = [e.linenum for e in polib.pofile(path) if True]
         try:
-            run = subprocess.run([args.msgfmt, '--check', '-o', os.devnull, copy],
+            run = subprocess.run([args.msgfmt, '--check', '-o', os.devnull, path],
                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                  universal_newlines=True)
         except OSError as e:
             print('error: cannot run %s: %s' % (args.msgfmt, e.strerror), file=sys.stderr)
             return 1
 
-    starts = [w[0] for w in where]
-    located = re.compile(r'^' + re.escape(copy) + r':(\d+): (.*)$')
+    located = re.compile(r'^' + re.escape(path) + r':(\d+): (.*)$')
     for message in run.stdout.splitlines():
         m = located.match(message)
         if not m:
-            print(message.replace(copy, args.catalogue), file=sys.stderr)
+            print(message.replace(path, args.catalogue), file=sys.stderr)
             continue
         i = bisect.bisect_right(starts, int(m.group(1))) - 1
         if i < 0:  # the header
             print('%s: %s' % (args.catalogue, m.group(2)), file=sys.stderr)
             continue
-        _, line, msgid = where[i]
+        _, line, msgid = origin[i]
         detail = m.group(2).replace("'msgid'", 'the English text')
         print('%s:%d: %s: %s' % (args.catalogue, line, msgid, detail), file=sys.stderr)
     return 1 if run.returncode != 0 or bad else 0

@@ -16,9 +16,10 @@ packages=(
     libgtest-dev libgmock-dev
     libbenchmark-dev valgrind
     fonts-dejavu-core fonts-dejavu-extra fonts-wqy-microhei fonts-noto-ui-core
+    fonts-ipaexfont-gothic fonts-arphic-uming libthai0 libthai-data
     xvfb xauth
     at-spi2-core python3-pyatspi dbus-x11 xdotool
-    python3 python3-jsonschema
+    python3 python3-jsonschema python3-polib
 )
 for group in "$@"; do
     case "$group" in

@@ -29,7 +29,9 @@ import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
-LANGUAGES = ["en", "de", "zh", "ko", "hi", "ar"]
+# Every catalogue and both pseudo-locales; a fixed list, so that a seed gives the same stream.
+LANGUAGES = ["en", "de", "zh", "ko", "hi", "ar", "fr", "es", "pt_BR", "it", "nl", "pl", "tr",
+             "ru", "uk", "el", "he", "ja", "zh_TW", "th", "vi", "id", "en_XA", "ar_XB"]
 # Replies of the modem and the eSIM service: at once, soon, late, or not within a run.
 LATENCIES_MS = [0, 20, 300, 1500, 4000, 600000]
 # The device daemon answers serial reads while the loop waits, so at most a few tenths of a

@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
-# `make tour`: every screen of every device profile in each of the six languages, page by page
-# to its end, as a PNG and a dump each, then a contact sheet out/tour/index.html and a look at
-# every picture for text cut by the round edge or by its box. Two watches run side by side.
-# TOUR_LANGUAGES narrows the languages (default: all six).
+# `make tour`: every screen of the device profiles, page by page to its end, as a PNG and a dump
+# each, then a contact sheet out/tour/index.html and a look at every picture for text cut by the
+# round edge or by its box. Two watches run side by side.
+# The watches whose screens differ most (TOUR_EVERY_LANGUAGE, default: default india
+# esim-standalone) are walked in every compiled language and both pseudo-locales; the others in
+# English. TOUR_LANGUAGES walks every profile in the languages it names instead.
 #   scripts/tour.sh BUILD [PROFILE...]      (default: every shipped profile)
 set -uo pipefail
 build=${1:-build}
@@ -10,7 +12,8 @@ shift || true
 bin="$(cd "$build/bin" && pwd)"
 top="$(cd "$(dirname "$0")/.." && pwd)"
 out="${TOUR_OUT:-$top/out/tour}"
-read -r -a languages <<<"${TOUR_LANGUAGES:-en de zh_CN ko hi ar}"
+mapfile -t compiled < <(ls "$build/res/locale")
+read -r -a every_language <<<"${TOUR_EVERY_LANGUAGE-default india esim-standalone}"
 jobs=${TOUR_JOBS:-2}
 
 # A second terminal's watch must not be toured by accident.
@@ -32,8 +35,23 @@ for profile in "${profiles[@]}"; do
     rm -rf "${out:?}/$profile"
 done
 
-total=$((${#profiles[@]} * ${#languages[@]}))
-echo "tour: ${#profiles[@]} profiles x ${#languages[@]} languages = $total walks, $jobs at a time, into $out/"
+# The languages of one profile's walks.
+languages_of() {
+    if [ -n "${TOUR_LANGUAGES:-}" ]; then
+        echo "$TOUR_LANGUAGES"
+    elif [[ " ${every_language[*]} " == *" $1 "* ]]; then
+        echo "${compiled[*]}"
+    else
+        echo en
+    fi
+}
+plan=()
+for profile in "${profiles[@]}"; do
+    for lang in $(languages_of "$profile"); do plan+=("$profile $lang"); done
+done
+total=${#plan[@]}
+read -r -a languages <<<"${TOUR_LANGUAGES:-${compiled[*]}}"
+echo "tour: $total walks of ${#profiles[@]} profiles, $jobs at a time, into $out/"
 
 # One walk: a fresh watch, the language set, every reachable screen captured.
 walk() {
@@ -67,9 +85,7 @@ while read -r profile lang result screens seconds; do
         failed=1
         sed 's/^/    /' "$out/$profile/$lang/tour.log" | tail -n 5
     fi
-done < <(for profile in "${profiles[@]}"; do
-             for lang in "${languages[@]}"; do echo "$profile $lang"; done
-         done | xargs -P "$jobs" -L 1 bash -c 'walk "$0" "$1"')
+done < <(printf '%s\n' "${plan[@]}" | xargs -P "$jobs" -L 1 bash -c 'walk "$0" "$1"')
 
 python3 "$top/scripts/tour_index.py" "$out" "${languages[@]}" || failed=1
 echo "tour: contact sheet $out/index.html"

@@ -291,7 +291,7 @@ TEST_F(AppAssistTest, TranslatablePopupTextsFollowALanguageChange) {
     ++_nl_msg_cat_cntr;  // as the platform does when the language changes
     elm_language_set("de_DE");
     settle();
-    EXPECT_STREQ(elm_object_part_text_get(obj, "title,text"), "Debugging");
+    EXPECT_STREQ(elm_object_part_text_get(obj, "title,text"), "Debug-Modus");
     std::string text = elm_object_text_get(obj) ? elm_object_text_get(obj) : "";
     EXPECT_NE(text.find("Sicherheitsrichtlinie"), std::string::npos) << text;
     setenv("LANGUAGE", "en_US:en", 1);

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/Catalogues.h"
 #include "support/SimulatedWatch.h"
 
 using nlohmann::json;
@@ -79,4 +80,30 @@ TEST(LiveControlE2E, EveryControlChangesTheOpenScreen) {
     EXPECT_EQ(d[5]["depth"], 1);
     EXPECT_EQ(d[5]["items"], d[4]["items"]);
     EXPECT_FALSE(changedOnScreen(5));
+}
+
+// Every compiled language, pseudo-locales included, relabels both the open page and the list
+// beneath it, each in the texts of its own catalogue.
+TEST(LiveControlE2E, EveryLanguageRelabelsEveryOpenScreen) {
+    const std::vector<std::string> languages = compiledLanguages();
+    ASSERT_GE(languages.size(), 24u);
+    SimulatedWatch watch("default");
+    std::string script = "tap WDS_ST_TMBODY_SOFTWARE_INFORMATION\n";
+    for (const std::string &language : languages)
+        script += "sim event language " + language + "\nwait 200\ndump\nback\ndump\n" +
+                  "tap WDS_ST_TMBODY_SOFTWARE_INFORMATION\n";
+    auto run = watch.drive(script);
+    ASSERT_EQ(run.status, 0) << run.errors;
+    ASSERT_EQ(run.dumps.size(), 2 * languages.size());
+    for (size_t i = 0; i < languages.size(); ++i) {
+        SCOPED_TRACE(languages[i]);
+        const json &page = run.dumps[2 * i];
+        const json &list = run.dumps[2 * i + 1];
+        EXPECT_FALSE(rowWithLabel(page, textIn(languages[i], "WDS_ST_MBODY_SOFTWARE_VERSION_ABB"))
+                         .is_null());
+        EXPECT_EQ(rowLabels(list).at(0), textIn(languages[i], "WDS_ST_BODY_ABOUT_KESTA_ABB"));
+        if (languages[i] != "en") {
+            EXPECT_NE(rowLabels(list).at(0), "About Kesta");
+        }
+    }
 }

@@ -21,6 +21,8 @@
 #include "StInfoRegulatoryInfoViewController.h"
 #include "StInfoStatusViewController.h"
 #include "StInfoSwViewController.h"
+#include "WatchFonts.h"
+#include "support/Catalogues.h"
 #include "support/EflTestEnvironment.h"
 #include "tessid/StInfoTessidViewController.h"
 
@@ -30,15 +32,6 @@ using app_assist::WNaviframeController;
 using app_assist::WViewController;
 
 namespace {
-
-// Every catalogue the build compiles, as the platform selects it.
-const struct {
-    const char *locale;
-    const char *language;  // LANGUAGE, as the platform sets it
-    bool rightToLeft;
-} kLanguages[] = {{"en_US", "en_US:en", false}, {"de_DE", "de_DE:de", false},
-                  {"zh_CN", "zh_CN:zh", false}, {"ko_KR", "ko_KR:ko", false},
-                  {"hi_IN", "hi_IN:hi", false}, {"ar_AE", "ar_AE:ar", true}};
 
 // Text blocks on screen whose formatted text is larger than the block.
 void collectOverflows(Evas_Object *obj, std::vector<std::string> *found) {
@@ -65,7 +58,7 @@ void collectOverflows(Evas_Object *obj, std::vector<std::string> *found) {
     eina_list_free(children);
 }
 
-class TextFitTest : public EflTest {
+class TextFitTest : public EflTest, public ::testing::WithParamInterface<std::string> {
 protected:
     static void SetUpTestSuite() {
         // The watch sold in India has every row of the About list.
@@ -73,15 +66,21 @@ protected:
     }
 
     void TearDown() override {
-        _use(kLanguages[0]);
+        _use("en_US");
         EflTest::TearDown();
     }
 
-    void _use(decltype(kLanguages[0]) language) {
-        setenv("LANGUAGE", language.language, 1);
+    // The language as the platform selects it: catalogues, the fonts' language, the direction
+    // its own catalogue gives the toolkit.
+    void _use(const std::string &language) {
+        std::string list = language;
+        if (language.find('_') != std::string::npos)
+            list += ":" + language.substr(0, language.find('_'));
+        setenv("LANGUAGE", list.c_str(), 1);
         ++_nl_msg_cat_cntr;
-        elm_language_set(language.locale);
-        elm_config_mirrored_set(language.rightToLeft);
+        elm_language_set(language.c_str());
+        platform::applyWatchFonts(language);
+        elm_config_mirrored_set(!strcmp(dgettext("efl", "default:LTR"), "default:RTL"));
     }
 
     // What overflows on the screen now, and on every row of its list brought into view.
@@ -103,7 +102,7 @@ protected:
             }
         }
         for (const std::string &text : found)
-            ADD_FAILURE() << getenv("LANGUAGE") << ", " << screen << ": " << text;
+            ADD_FAILURE() << GetParam() << ", " << screen << ": " << text;
     }
 
     Elm_Object_Item *_rowOf(Evas_Object *list, const char *id) {
@@ -118,7 +117,7 @@ protected:
 
 }  // namespace
 
-TEST_F(TextFitTest, EveryTextFitsItsPartInEveryLanguage) {
+TEST_P(TextFitTest, EveryTextFitsItsPart) {
     const std::vector<std::pair<const char *, std::function<WViewController *()>>> pages = {
         {"status", [] { return new StInfoStatusViewController(); }},
         {"software", [] { return new StInfoSwViewController(); }},
@@ -127,8 +126,8 @@ TEST_F(TextFitTest, EveryTextFitsItsPartInEveryLanguage) {
         {"regulatory", [] { return new StInfoRegulatoryInfoViewController(); }},
         {"licences", [] { return new StInfoOpenSrcLicenseViewController(); }},
     };
-    for (const auto &language : kLanguages) {
-        _use(language);
+    {
+        _use(GetParam());
         auto *naviframe = makeNaviframe();
         auto *main = new StInfoMainViewController();
         ASSERT_TRUE(naviframe->push(main));
@@ -151,4 +150,58 @@ TEST_F(TextFitTest, EveryTextFitsItsPartInEveryLanguage) {
         }
         evas_object_del(naviframe->getEvasObject());
     }
+}
+
+INSTANTIATE_TEST_SUITE_P(Catalogues, TextFitTest, ::testing::ValuesIn(compiledLanguages()),
+                         [](const auto &info) { return info.param; });
+
+namespace {
+
+// The pixels of a region of the window as last drawn.
+std::vector<uint32_t> pixelsOf(Evas_Object *win, int x, int y, int w, int h) {
+    Ecore_Evas *ee = ecore_evas_ecore_evas_get(evas_object_evas_get(win));
+    int width = 0;
+    ecore_evas_geometry_get(ee, nullptr, nullptr, &width, nullptr);
+    const auto *pixels = static_cast<const uint32_t *>(ecore_evas_buffer_pixels_get(ee));
+    std::vector<uint32_t> region;
+    for (int row = y; pixels && row < y + h; ++row)
+        region.insert(region.end(), pixels + row * width + x, pixels + row * width + x + w);
+    return region;
+}
+
+}  // namespace
+
+// Han characters shared by Chinese and Japanese take the forms of the watch's language: with
+// the fonts the platform gives texts in Japanese and traditional Chinese, the same characters
+// draw differently than in simplified Chinese, and the same in English.
+TEST_F(TextFitTest, HanCharactersTakeTheFormsOfTheLanguage) {
+    Evas *canvas = evas_object_evas_get(_win);
+    Evas_Object *back = evas_object_rectangle_add(canvas);
+    evas_object_color_set(back, 0, 0, 0, 255);
+    evas_object_geometry_set(back, 0, 0, 360, 360);
+    evas_object_show(back);
+    Evas_Object *text = evas_object_text_add(canvas);
+    evas_object_color_set(text, 255, 255, 255, 255);
+    evas_object_move(text, 40, 150);
+    evas_object_show(text);
+    auto draw = [&](const char *language) {
+        _use(language);
+        const char *font = nullptr;
+        Evas_Font_Size size = 0;
+        EXPECT_TRUE(edje_text_class_get("watch_text", &font, &size)) << language;
+        evas_object_text_font_set(text, font, 40);
+        evas_object_text_text_set(text, "骨直角令");
+        settle(0.05);
+        return pixelsOf(_win, 40, 150, 280, 60);
+    };
+    const std::vector<uint32_t> simplified = draw("zh_CN");
+    ASSERT_FALSE(simplified.empty());
+    const struct {
+        const char *language;
+        bool ownForms;
+    } cases[] = {{"ja", true}, {"zh_TW", true}, {"en", false}};
+    for (const auto &c : cases)
+        EXPECT_EQ(draw(c.language) != simplified, c.ownForms) << c.language;
+    evas_object_del(text);
+    evas_object_del(back);
 }

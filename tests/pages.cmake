@@ -11,3 +11,5 @@ quillset_e2e_test(pages_e2e_test Pages_e2e_test.cpp)
 # Every screen's texts against their parts, in every language.
 quillset_efl_test(text_fit_test TextFit_test.cpp)
 target_include_directories(text_fit_test PRIVATE ${CMAKE_SOURCE_DIR}/platform/src)
+# The languages it walks are the compiled catalogues, listed when its tests are discovered.
+add_dependencies(text_fit_test quillset-locale)

@@ -9,8 +9,10 @@ Problems reported, each naming the catalogue and the id:
   such as "WDS_ST_BODY_ABOUT_KESTA_ABB") is missing from a catalogue;
 - a catalogue lacks an id that another catalogue has;
 - a translation is empty, or marked fuzzy (msgfmt leaves fuzzy entries out, so the screen
-  would show the bare id), or untranslated: the bare id, or the English phrase itself (a
-  single word or an abbreviation such as "OK" or "IMEI SV" may stay as in English);
+  would show the bare id), or untranslated: the bare id, or the English text itself (names,
+  abbreviations, numbers and units, texts with no lower-case letter such as "OK" or "IMEI SV",
+  may stay as in English);
+- a character of a translation that no installed font draws (a box on the screen);
 - an id appears twice in one catalogue;
 - an entry is c-format in one catalogue but not in another, or holds a '%' without saying
   whether it is a format string (c-format or no-c-format), so msgfmt would not check it;
@@ -18,9 +20,13 @@ Problems reported, each naming the catalogue and the id:
   positional ones included, in any order).
 """
 
+import bisect
 import os
 import re
+import subprocess
 import sys
+
+import polib
 
 ID = re.compile(r'^(WDS|IDS|MIDS|LDS)_[A-Z0-9_]+$')
 SOURCE_DIRS = ('app-control', 'common', 'res')
@@ -111,12 +117,46 @@ def source_ids(root):
     return found
 
 
+def _fonts_cover():
+    """The characters some installed font draws, from fontconfig; None without fc-list."""
+    try:
+        out = subprocess.run(['fc-list', '--format', '%{charset}\n'], stdout=subprocess.PIPE,
+                             universal_newlines=True, check=True).stdout
+    except (OSError, subprocess.CalledProcessError):
+        return None
+    ranges = set()
+    for line in out.split():
+        first, _, last = line.partition('-')
+        ranges.add((int(first, 16), int(last or first, 16)))
+    merged = []
+    for first, last in sorted(ranges):
+        if merged and first <= merged[-1][1] + 1:
+            merged[-1][1] = max(merged[-1][1], last)
+        else:
+            merged.append([first, last])
+    return merged
+
+
+def _covered(code, ranges):
+    i = bisect.bisect_right(ranges, [code, float('inf')]) - 1
+    return i >= 0 and ranges[i][0] <= code <= ranges[i][1]
+
+
+# Drawn by no font, on purpose: marks, joiners, directions, the line separator.
+_INVISIBLE = re.compile('[\u00a0\u200b-\u200f\u202a-\u202e\u2060\u202f\n]')
+
+
+def may_stay_english(text):
+    """Names, abbreviations, numbers and units read the same in every language (OK, IMEI SV,
+    KB): texts without a lower-case letter."""
+    return not any(c.islower() for c in text)
+
+
 def check(root):
     """Returns the list of problems, one readable line each."""
     sys.dont_write_bytecode = True  # keep the source tree free of __pycache__
     sys.path.insert(0, os.path.join(root, 'po'))
-    import pofile
-    from check_formats import _DIRECTIVE as directive
+    from check_formats import DIRECTIVE as directive, key, translations
 
     po_dir = os.path.join(root, 'po')
     names = sorted(n for n in os.listdir(po_dir) if n.endswith('.po')) if os.path.isdir(
@@ -129,26 +169,24 @@ def check(root):
     for name in names:
         rel = 'po/' + name
         try:
-            entries = pofile.parse(os.path.join(po_dir, name))
-        except pofile.PoError as e:
-            problems.append(str(e).replace(po_dir + os.sep, 'po/'))
+            entries = polib.pofile(os.path.join(po_dir, name), wrapwidth=0)
+        except (OSError, ValueError) as e:
+            problems.append('%s: %s' % (rel, str(e).replace(po_dir + os.sep, 'po/')))
             continue
         by_id = {}
         for e in entries:
-            if e.is_header:
-                continue
-            where = '%s:%d: %s' % (rel, e.line, e.msgid)
-            if e.key in by_id:
+            where = '%s:%d: %s' % (rel, e.linenum, e.msgid)
+            if key(e) in by_id:
                 problems.append('%s appears twice (first at line %d)'
-                                % (where, by_id[e.key].line))
+                                % (where, by_id[key(e)].linenum))
                 continue
-            by_id[e.key] = e
-            if any(t == '' for t in e.translations()):
+            by_id[key(e)] = e
+            if any(t == '' for t in translations(e)):
                 problems.append('%s has an empty translation' % where)
             if 'fuzzy' in e.flags:
                 problems.append('%s is marked fuzzy, so it is left out of the compiled '
                                 'catalogue' % where)
-            if any('%' in t for t in e.translations()) and not e.flags & set(FORMAT_FLAGS):
+            if any('%' in t for t in translations(e)) and not set(e.flags) & set(FORMAT_FLAGS):
                 problems.append('%s contains "%%" but is marked neither c-format nor '
                                 'no-c-format' % where)
         catalogues[rel] = by_id
@@ -157,15 +195,14 @@ def check(root):
     for rel, by_id in catalogues.items():
         if rel == 'po/en.po':
             continue
-        for key, e in by_id.items():
-            ref = english.get(key)
+        for k, e in by_id.items():
+            ref = english.get(k)
             if ref is None:
                 continue
-            where = '%s:%d: %s' % (rel, e.line, e.msgid)
-            source = ref.translations()[0]
-            for text in e.translations():
-                if text == e.msgid or (text == source and ' ' in source and
-                                       source != source.upper()):
+            where = '%s:%d: %s' % (rel, e.linenum, e.msgid)
+            source = translations(ref)[0]
+            for text in translations(e):
+                if text == e.msgid or (text == source and not may_stay_english(source)):
                     problems.append('%s is not translated: %r' % (where, text))
                 if 'c-format' in ref.flags and \
                         sorted(directive.findall(text)) != sorted(directive.findall(source)):
@@ -181,20 +218,31 @@ def check(root):
     everywhere = set()
     for by_id in catalogues.values():
         everywhere |= set(by_id)
-    for key in sorted(everywhere):
-        having = [rel for rel, by_id in catalogues.items() if key in by_id]
+    for k in sorted(everywhere):
+        having = [rel for rel, by_id in catalogues.items() if k in by_id]
         for rel, by_id in catalogues.items():
-            if key not in by_id:
+            if k not in by_id:
                 problems.append('%s: %s is missing (%s has it)'
-                                % (rel, key.split('\x04')[-1], ', '.join(having)))
-        c_format = {rel: 'c-format' in catalogues[rel][key].flags for rel in having}
+                                % (rel, k.split('\x04')[-1], ', '.join(having)))
+        c_format = {rel: 'c-format' in catalogues[rel][k].flags for rel in having}
         if len(set(c_format.values())) > 1:
             marked = [rel for rel, yes in c_format.items() if yes]
             unmarked = [rel for rel, yes in c_format.items() if not yes]
             for rel in unmarked:
                 problems.append('%s:%d: %s is not marked c-format, unlike in %s'
-                                % (rel, catalogues[rel][key].line, key.split('\x04')[-1],
+                                % (rel, catalogues[rel][k].linenum, k.split('\x04')[-1],
                                    ', '.join(marked)))
+
+    fonts = _fonts_cover()
+    if fonts is None:
+        problems.append('fc-list is missing, so no check that the fonts draw every text')
+        fonts = []
+    for rel, by_id in catalogues.items():
+        missing = sorted({c for e in by_id.values() for t in translations(e)
+                          for c in _INVISIBLE.sub('', t) if not _covered(ord(c), fonts)})
+        if missing:
+            problems.append('%s: no installed font draws %s' % (
+                rel, ' '.join('%s (U+%04X)' % (c, ord(c)) for c in missing[:8])))
     return problems
 
 

@@ -24,7 +24,6 @@ quillset_platform_test(platform_services_test platform_services_test.cpp)
 add_dependencies(platform_services_test quillset-sim quillset-simd quillset-profiles)
 
 # The documented profile schema against quillset-sim's own checks (Debian's python3-jsonschema).
-find_program(QUILLSET_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
 add_test(NAME profile_schema_agrees_with_the_loader
          COMMAND ${QUILLSET_SYSTEM_PYTHON} ${CMAKE_SOURCE_DIR}/tests/profile_schema_test.py
                  ${CMAKE_SOURCE_DIR} $<TARGET_FILE:quillset-sim>)

@@ -23,6 +23,7 @@
 #include "AppControlRequest.h"
 #include "DaemonLink.h"
 #include "PlatformState.h"
+#include "WatchFonts.h"
 #include "SimEvents.h"
 
 extern "C" int _nl_msg_cat_cntr;
@@ -88,6 +89,7 @@ void applyDirection() {
 void languageChangedCb(keynode_t *, void *) {
     readLanguage();
     applyDirection();
+    platform::applyWatchFonts(g_language);
     app_event_info info{APP_EVENT_LANGUAGE_CHANGED, g_language};
     std::list<app_event_handler *> handlers(g_handlers);
     for (app_event_handler *handler : handlers) {
@@ -142,12 +144,20 @@ int ui_app_main(int argc, char **argv, ui_app_lifecycle_callback_s *callback, vo
     setUpLocale();
     // The watch's screen density: the toolkit scales by this over the application's base scale.
     setenv("ELM_SCALE", "1.3", 0);
+    // The watch's faces, and which language each draws.
+    std::string fonts = platform::dataDir() + "/platform/fonts.conf";
+    if (access(fonts.c_str(), R_OK) == 0)
+        setenv("FONTCONFIG_FILE", fonts.c_str(), 0);
+    else
+        dlog_print(DLOG_ERROR, kTag, "font configuration %s is missing: the system's own is used",
+                   fonts.c_str());
     elm_init(argc, argv);
     loadWatchTheme();
     // The toolkit hears the watch's language from the start, as on every change: Edje
     // translates the texts its layouts carry only once it has one.
     elm_language_set(g_language.c_str());
     applyDirection();
+    platform::applyWatchFonts(g_language);
     int launchEvents = platform::simEventSubscribe(
         "launch", [](const std::vector<std::string> &) { deliverLaunch(); });
     vconf_notify_key_changed(kLanguageKey, languageChangedCb, nullptr);

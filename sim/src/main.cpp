@@ -188,9 +188,10 @@ int sendEvent(const Watch &watch, const std::string &kind, const std::vector<std
 std::string languageSetting(const std::string &lang) {
     // Languages whose usual country code is not the language code.
     static const std::map<std::string, std::string> kCountries = {
-        {"en", "US"}, {"ja", "JP"}, {"ko", "KR"}, {"zh", "CN"}, {"sv", "SE"}, {"da", "DK"},
-        {"el", "GR"}, {"cs", "CZ"}, {"uk", "UA"}, {"he", "IL"}, {"hi", "IN"}, {"nb", "NO"},
-        {"sl", "SI"}, {"et", "EE"}, {"ar", "AE"}, {"fa", "IR"}, {"ga", "IE"}, {"ca", "ES"}};
+        {"en", "US"}, {"ja", "JP"}, {"ko", "KR"}, {"zh", "CN"}, {"sv", "SE"},
+        {"da", "DK"}, {"el", "GR"}, {"cs", "CZ"}, {"uk", "UA"}, {"he", "IL"},
+        {"hi", "IN"}, {"nb", "NO"}, {"sl", "SI"}, {"et", "EE"}, {"ar", "AE"},
+        {"fa", "IR"}, {"ga", "IE"}, {"ca", "ES"}, {"vi", "VN"}};
     std::string base = lang;
     size_t dot = base.find('.');
     if (dot != std::string::npos) {

@@ -23,7 +23,7 @@ LANGUAGES = {
            "switch": "Switch, {}", "on": "On", "off": "Off", "see_all": "See all",
            "cancel": "Cancel", "ok": "OK", "sw_version": "Software version",
            "toast": "developer mode turned on"},
-    "de": {"about": "Über Kesta", "debugging": "Debugging", "consent": "Diagnose",
+    "de": {"about": "Über Kesta", "debugging": "Debug-Modus", "consent": "Diagnose",
            "device": "Geräte", "software": "Software-",
            "battery": "Akku-", "licences": "Open-Source-Lizenzen",
            "switch": "Schalter, {}", "on": "Ein", "off": "Aus", "see_all": "Alle anzeigen",

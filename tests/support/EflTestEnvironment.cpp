@@ -55,6 +55,8 @@ void EflTestEnvironment::SetUp() {
     // Otherwise the first test to start EFL's cache daemon lends it its output, and the test
     // runner waits for that daemon to end, long after the test has.
     efreet_cache_disable();
+    // The watch's faces, as the platform gives them to applications.
+    setenv("FONTCONFIG_FILE", (sim::dataDir() + "/platform/fonts.conf").c_str(), 1);
     elm_init(0, nullptr);
     // The watch's own look, as the platform loads it for applications.
     std::string theme = sim::dataDir() + "/platform/watch-theme.edj";
