@@ -7,15 +7,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "StInfoBatteryMenuItem.h"
-#include "StInfoGeneralMenuItem.h"
 #include "StInfoMenuItem.h"
 #include "StInfoTitleItem.h"
 #include "StInfoUSBDebugItem.h"
 #include "StSubTextDecorationItem.h"
-#include "software_information/StInfoSwMenuItem.h"
-#include "software_information/tessid/StInfoTessidMenuItem.h"
-#include "status/StInfoStatusMenuItem.h"
 #include "support/EflTestEnvironment.h"
 
 class RowsTest : public EflTest {
@@ -68,42 +63,6 @@ TEST_F(RowsTest, MenuRowRunsItsActionOnceAndStaysUnhighlighted) {
     settle();
     tapItem(idle);
     EXPECT_FALSE(elm_genlist_item_selected_get(idle));
-}
-
-// A value read without error but empty would reach the translation lookup as an empty id, which
-// answers the catalogue's header.
-TEST_F(RowsTest, EveryRowKindShowsAValueReadEmptyAsUnknown) {
-    writeProfile(R"({"system_info": {
-        "platform": {"system/model_name": "", "system/build.string": "",
-                     "feature/platform.version": ""},
-        "vendor": {"tizen/feature/tessid.version": "", "tizen/feature/mdm.version": "",
-                   "tizen/feature/tessid.pelortizen.version": "",
-                   "tizen/feature/tessid.vimo.version": "", "tizen/system/battery_capacity": ""}},
-        "telephony": {"modem": true}, "sim": {"iccid": "123456"},
-        "bluetooth": {"address": ""}, "wifi": {"mac_address": ""}})");
-    // A carrier that splits the ICCID after its sixth digit, given only six.
-    ASSERT_EQ(vconf_set_str("db/csc/text_string_customer", "KTO"), VCONF_OK);
-    using Status = StInfoStatusMenuItem;
-    const struct {
-        const char *row;
-        StDecoratableItem *item;
-    } rows[] = {
-        {"model number", new StInfoGeneralMenuItem(StInfoGeneralMenuItem::MODEL_NUMBER)},
-        {"platform version", new StInfoSwMenuItem(StInfoSwMenuItem::TIZEN_VERSION)},
-        {"software version", new StInfoSwMenuItem(StInfoSwMenuItem::SW_VERSION)},
-        {"Tessid version", new StInfoTessidMenuItem(StInfoTessidMenuItem::TESSID_PLATFORM_VERSION)},
-        {"SDK version", new StInfoTessidMenuItem(StInfoTessidMenuItem::WEARABLE_SDK_VERSION)},
-        {"Pelor version", new StInfoTessidMenuItem(StInfoTessidMenuItem::PELOR_VERSION)},
-        {"VIMO version", new StInfoTessidMenuItem(StInfoTessidMenuItem::VIMO_VERSION)},
-        {"battery capacity", new StInfoBatteryMenuItem(StInfoBatteryMenuItem::BATTERY_CAPACITY)},
-        {"Wi-Fi address", new Status(Status::WIFI_MAC_ADDRESS)},
-        {"Bluetooth address", new Status(Status::BLUETOOTH_ADDRESS)},
-        {"split ICCID", new Status(Status::ICCID)},
-    };
-    for (const auto &row : rows) {
-        Elm_Object_Item *item = append(row.item, false);
-        EXPECT_EQ(textOf(item, "elm.text.1"), "Unknown") << row.row;
-    }
 }
 
 // (What each switch says aloud and shows is in the About list's table of sources.)
