@@ -299,8 +299,8 @@ TEST_F(PagesTest, EveryRowShowsTheValueOfItsOwnSource) {
 }
 
 // Which rows each kind of watch shows, in order. The first line of each page shows every row;
-// each other line changes one condition of it. Only the values of a page tell a tap what to do:
-// the facts and the version pages' rows take none.
+// each other line changes one condition of it. Rows that only show a fact (model number,
+// storage, the security-platform versions, the battery) take no tap.
 TEST_F(PagesTest, EachKindOfWatchShowsItsRows) {
     const std::string info = "Device information|", esim = "Kesta eSIM profile|eID|",
                       hardware = "Hardware version|", phone = "Kesta phone number|",
@@ -397,8 +397,8 @@ TEST_F(PagesTest, EachKindOfWatchShowsItsRows) {
 // text when it has none), or where the switch stands after it. The first line confirms; each
 // other changes one condition of it.
 TEST_F(PagesTest, DebuggingRowFollowsTheDevicePolicy) {
-    const char *const kConfirm = "Debugging", *const kRestricted =
-                                                  "Security policy restricts changing settings.";
+    const char *const kConfirm = "Debugging";
+    const char *const kRestricted = "Security policy restricts changing settings.";
     const struct {
         const char *change;
         bool disabled;
