@@ -1,5 +1,5 @@
 // The information pages end to end: what crosses a process (the launch journal, a language
-// change sent from outside) and the home-key handler on the watch's own bus.
+// change sent from outside).
 
 #include <gtest/gtest.h>
 
@@ -37,52 +37,4 @@ TEST(PagesE2E, LanguageChangeReachesTheOpenPagesButNotTheLicenceTitle) {
     EXPECT_EQ(run.dumps[2]["layout"]["text.title"], "Regulatorische Informationen");
     // The licence title keeps the language the page was opened in.
     EXPECT_EQ(run.dumps[3]["layout"]["text.title"], "Open source licences");
-}
-
-// Home key
-
-namespace {
-
-// Runs the probe on the watch, presses the home key `presses` times once it listens, and
-// returns what it printed. The probe must end by itself.
-std::string homeKeyRun(SimulatedWatch &watch, const std::string &mode, int presses) {
-    std::string out = watch.stateDir() + "-probe.txt";
-    std::string probe = SimulatedWatch::binDir() + "/home_key_probe";
-    std::string sendPresses;
-    for (int i = 0; i < presses; ++i)
-        sendPresses += "quillset-sim event home; sleep 0.3; ";
-    std::string script = "'" + probe + "' " + mode + " > '" + out +
-                         "' 2>&1 & p=$!; "
-                         "for i in $(seq 100); do grep -q ready '" +
-                         out + "' && break; sleep 0.1; done; " + sendPresses +
-                         "for i in $(seq 50); do kill -0 $p 2>/dev/null || break; sleep 0.1; done; "
-                         "kill $p 2>/dev/null; wait $p";
-    std::string scriptFile = watch.stateDir() + "-probe.sh";
-    std::ofstream(scriptFile) << script << "\n";
-    int status = -1;
-    watch.sim("run --profile default -- sh '" + scriptFile + "'", &status);
-    std::string text = readFile(out);
-    std::remove(out.c_str());
-    std::remove(scriptFile.c_str());
-    return text + "status " + std::to_string(status) + "\n";
-}
-
-}  // namespace
-
-TEST(HomeKeyHandlerE2E, APressWithoutAnActionEndsTheApplication) {
-    SimulatedWatch watch("default");
-    std::string text = homeKeyRun(watch, "exit", 1);
-    EXPECT_NE(text.find("ready\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("terminated\nexited 0\nstatus 0\n"), std::string::npos) << text;
-    // The second registration was refused with its log line.
-    EXPECT_NE(watch.platformLog().find("Already registered!"), std::string::npos);
-}
-
-TEST(HomeKeyHandlerE2E, APressWithAnActionRunsOnlyTheAction) {
-    SimulatedWatch watch("default");
-    std::string text = homeKeyRun(watch, "action", 2);
-    // The first press left the application running; the action ends it after the second.
-    EXPECT_NE(text.find("ready\naction 1\naction 2\nterminated\nexited 0\nstatus 0\n"),
-              std::string::npos)
-        << text;
 }

@@ -1,36 +1,49 @@
-// The About list and its pages: the models against the stand-ins, the rows they show, the
-// bezel, the developer-mode tap counter with its toast, and the home key without a bus.
+// The About list and its pages as a person sees them: the rows each kind of watch shows, each
+// row's value read from its own source, what a tap on the debugging row does under each policy,
+// the texts built from several parts, the bezel, and the developer-mode tap counter.
 
 // Smart-object membership is asked through upstream's Eo API, which it marks as beta.
 #define EFL_BETA_API_SUPPORT 1
 
 #include <WNaviframeController.h>
+#include <WPopupController.h>
 #include <gtest/gtest.h>
+#include <libintl.h>
 #include <vconf.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "DaemonLink.h"
 #include "EvasTree.h"
+#include "PlatformState.h"
 #include "StAppControlLauncher.h"
-#include "StHomeKeyHandler.h"
 #include "StInfoBatteryModel.h"
+#include "StInfoBatteryViewController.h"
 #include "StInfoMainViewController.h"
+#include "StInfoModel.h"
 #include "StInfoOpenSrcLicenseViewController.h"
 #include "StInfoRegulatoryInfoViewController.h"
+#include "StInfoStatusModel.h"
+#include "StInfoStatusViewController.h"
 #include "StInfoSwModel.h"
 #include "StInfoSwViewController.h"
+#include "sim_support.h"
 #include "support/EflTestEnvironment.h"
 #include "tessid/StInfoTessidViewController.h"
 
 using app_assist::WNaviframeController;
+using nlohmann::json;
 
 namespace {
 
 const char *const kUnknown = "WDS_LOGS_MBODY_UNKNOWN_ABB";
+const char *const kDebugKey = "db/setting/debug_mode";
 const char *const kDeveloperOption = "db/setting/developer_option_state";
 
 // Removes a settings key, as on a watch that never had it.
@@ -42,12 +55,42 @@ std::string vendorProfile(const std::string &vendorKeys) {
     return R"({"system_info": {"vendor": {)" + vendorKeys + "}}}";
 }
 
-size_t count(const std::string &text, const std::string &what) {
-    size_t n = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
-        ++n;
-    return n;
+bool setting(const char *key) {
+    int on = 0;
+    return vconf_get_bool(key, &on) == VCONF_OK && on;
 }
+
+// A watch on which every row shows: eSIM outside standalone set-up, the carrier features that
+// add rows, the security client installed, sold in India and not in a shop. The fields of the
+// records the pages read that no row shows hold values of their own too.
+const char *const kEveryRow = R"({
+    "system_info": {"platform": {"feature/network.telephony.service.cdma": false},
+                    "vendor": {"tizen/feature/esim.phase": 1}},
+    "telephony": {"modem": true, "sw_version": "M117-CP-0902", "esn": "80EA0117"},
+    "csc": {"features": {"30": true, "39": true, "93": true}},
+    "packages": {"com.nerova.tessid.ravelclient": {}},
+    "policy": {"service": true, "allow_usb_debugging": 0, "change_allowed": true},
+    "settings": {"db/setup_wizard/standalone": 0, "db/csc/country_iso": "IN",
+                 "db/csc/text_string_country": "GB", "db/retailmode/enabled": 0,
+                 "db/retailmode/RDU_V9/enabled": 0, "db/menu_widget/regionformat": "en_GB.UTF-8",
+                 "db/setting/debug_mode": false, "db/wms/user_agreement/errorlog": false}})";
+
+// The same watch with a value of its own for every source a row reads, where a row's value is
+// made of several: blocks of 8192 bytes of which 300000 are available (1.71 GB of the fixed
+// 4 GB in use), debugging on and the consent off, the profile in use among others, an old
+// cached phone number that the SIM's answer replaces, a sales code that would split the ICCID
+// (the customer code, which decides, does not), and the rated voltage and current.
+const char *const kOwnValues = R"({
+    "storage": {"block_size": 8192, "fragment_size": 1024, "total_blocks": 524288,
+                "available_blocks": 300000, "free_blocks": 310000},
+    "settings": {"db/setting/debug_mode": true, "db/setting/selected_num": "+447700900999",
+                 "db/csc/text_string_customer": "XEU", "db/csc/salescode": "KTO"},
+    "esim": {"profiles": [{"name": "Spare Line", "kind": 2, "state": 0},
+                          {"name": "Data Only", "kind": 1, "state": 1},
+                          {"name": "Lark Mobile", "kind": 2, "state": 1}]},
+    "telephony": {"volte_enable": 1},
+    "system_info": {"vendor": {"tizen/system/rated_voltage": "3.88V",
+                               "tizen/system/rated_current": "315mA"}}})";
 
 }  // namespace
 
@@ -59,11 +102,38 @@ protected:
         EflTest::TearDown();
     }
 
-    // The list of the page on top, and its rows.
-    std::vector<Elm_Object_Item *> pushAndList(app_assist::WViewController *page) {
+    // The profile, and its settings written as seeding a watch would write them.
+    static void useWatch(const json &profile) {
+        writeProfile(profile.dump());
+        writeSettings(profile.value("settings", json::object()));
+    }
+
+    static app_assist::WContentViewController *newPage(const std::string &page) {
+        if (page == "about")
+            return new StInfoMainViewController();
+        if (page == "status")
+            return new StInfoStatusViewController();
+        if (page == "software")
+            return new StInfoSwViewController();
+        if (page == "tessid")
+            return new StInfoTessidViewController();
+        return new StInfoBatteryViewController();
+    }
+
+    // Pushes the page on a naviframe of its own, in place of the last one, and waits for every
+    // answer the watch owes.
+    void push(app_assist::WViewController *page) {
+        if (_naviframe)
+            evas_object_del(_naviframe->getEvasObject());
         _naviframe = makeNaviframe();
         EXPECT_TRUE(_naviframe->push(page));
+        runUntil([] { return platform::repliesAwaited() == 0; });
         settle(0.1);
+    }
+
+    // The same for a list page; its rows.
+    std::vector<Elm_Object_Item *> pushAndList(app_assist::WViewController *page) {
+        push(page);
         std::vector<Elm_Object_Item *> rows;
         Evas_Object *list = page->getEvasObject();
         for (Elm_Object_Item *it = elm_genlist_first_item_get(list); it;
@@ -75,11 +145,37 @@ protected:
         return rows;
     }
 
-    std::vector<std::string> labels(const std::vector<Elm_Object_Item *> &rows) {
-        std::vector<std::string> out;
-        for (Elm_Object_Item *row : rows)
-            out.push_back(textOf(row, "elm.text"));
+    // Closes every page, and ends the status model so that the next page starts it afresh.
+    void closePages() {
+        if (_naviframe)
+            evas_object_del(_naviframe->getEvasObject());
+        _naviframe = nullptr;
+        settle(0.01);
+        delete StInfoStatusModel::getInstance();
+    }
+
+    // What a row shows as its value; a switch row, what it says aloud and its position.
+    static std::string shown(Elm_Object_Item *row) {
+        const Elm_Genlist_Item_Class *itc = elm_genlist_item_item_class_get(row);
+        if (!itc->func.content_get)
+            return textOf(row, "elm.text.1");
+        textOf(row, "elm.text");  // the spoken text is set as the label is asked for
+        Evas_Object *check = itc->func.content_get(elm_object_item_data_get(row),
+                                                   elm_object_item_widget_get(row), "elm.icon");
+        const char *spoken = elm_atspi_accessible_description_get(row);
+        std::string out = std::string(spoken ? spoken : "(silent)") +
+                          (check && elm_check_state_get(check) ? " (on)" : " (off)");
+        evas_object_del(check);
         return out;
+    }
+
+    Elm_Object_Item *rowLabelled(const std::vector<Elm_Object_Item *> &rows,
+                                 const std::string &label) {
+        for (Elm_Object_Item *row : rows)
+            if (textOf(row, "elm.text") == label)
+                return row;
+        ADD_FAILURE() << "no row " << label;
+        return rows.front();
     }
 
     // Toasts on screen; with hidden, also those hidden and not deleted.
@@ -105,54 +201,368 @@ protected:
     }
 
     WNaviframeController *_naviframe = nullptr;
-
-    bool developerOption() {
-        int on = 0;
-        return vconf_get_bool(kDeveloperOption, &on) == VCONF_OK && on;
-    }
 };
+
+// Each row of each page shows its own value, on a watch where no value read appears twice: a
+// row reading a neighbouring key, the right key in the other namespace or another field of the
+// same record would show something else. Rows not in the table show no value; a switch shows
+// what it says aloud and its position.
+TEST_F(PagesTest, EveryRowShowsTheValueOfItsOwnSource) {
+    // Where a row reads its value ("section|...|key" of the profile), the value held there, and
+    // what the row shows when not that value; the rest is kOwnValues'.
+    const struct Source {
+        const char *page, *label, *path, *value, *shows = nullptr;
+    } sources[] = {
+        {"about", "Model number", "system_info|platform|system/model_name", "QX-W117"},
+        {"about", "Storage", nullptr, nullptr, "1.71GB / 4.0GB"},
+        {"about", "Report diagnostic and usage info", nullptr, nullptr, "Switch, Off (off)"},
+        {"about", "Debugging", nullptr, nullptr, "Switch, On (on)"},
+        {"status", "Kesta eSIM profile", nullptr, nullptr, "Lark Mobile"},
+        {"status", "eID", "esim|eid", "89049032007008882600000000000117"},
+        {"status", "Hardware version", "telephony|hw_version", "REV0.7"},
+        {"status", "Kesta phone number", "sim|msisdn", "+447700900456", "+44 7700 900456"},
+        {"status", "IMEI", "telephony|imei", "355480107000117"},
+        {"status", "IMEI SV", "telephony|imei_sv", "17"},
+        {"status", "ICCID", "sim|iccid", "8944110077000001174"},
+        {"status", "IMS registration status", nullptr, nullptr, "On"},
+        {"status", "PRL", "telephony|prl_version", "61407"},
+        {"status", "ERI", "telephony|eri_version", "ERI-4"},
+        {"status", "MEID", "telephony|meid", "A1000047000117"},
+        {"status", "Wi-Fi MAC address", "wifi|mac_address", "a0:b1:c2:00:01:17"},
+        {"status", "Bluetooth address", "bluetooth|address", "A0:B1:C2:00:01:18"},
+        {"status", "Serial number", "deviced|serial", "NV117Q0A1B2C,3546117", "NV117Q0A1B2C"},
+        {"status", "Barcode number", "deviced|serial", "NV117Q0A1B2C,3546117", "3546117"},
+        {"software", "Tizen version", "system_info|platform|feature/platform.version", "6.5"},
+        {"software", "Software version", "system_info|platform|system/build.string",
+         "M117-EU-3.4.0902"},
+        {"software", "Security status", "settings|db/smack/spd_installed_policy_version",
+         "TSP-M117-7.4-r31"},
+        {"tessid", "Tessid version", "system_info|vendor|tizen/feature/tessid.version", "3.11"},
+        {"tessid", "Tessid Tizen Wearable SDK", "system_info|vendor|tizen/feature/mdm.version",
+         "7.5"},
+        {"tessid", "Pelor for Tizen", "system_info|vendor|tizen/feature/tessid.pelortizen.version",
+         "2.2.3"},
+        {"tessid", "VIMO", "system_info|vendor|tizen/feature/tessid.vimo.version", "1.5.9"},
+        {"battery", "Rated", nullptr, nullptr, "3.88V; 315mA"},
+        {"battery", "Battery capacity", "system_info|vendor|tizen/system/battery_capacity",
+         "374mAh"},
+    };
+    simtest::RunningWatch watch;  // its device daemon answers with the serial number
+    writeProfile("{}");
+    ASSERT_TRUE(watch.start(EflTestEnvironment::stateDir()));
+    json profile = json::parse(kEveryRow);
+    profile.merge_patch(json::parse(kOwnValues));
+    auto setPath = [&profile](const std::string &path, const char *value) {
+        json *at = &profile;
+        for (size_t start = 0, end = 0; end != std::string::npos; start = end + 1) {
+            end = path.find('|', start);
+            at = &(*at)[path.substr(start, end - start)];
+        }
+        *at = value;
+    };
+    std::set<std::string> values;
+    for (const Source &source : sources) {
+        if (source.path)
+            setPath(source.path, source.value);
+        const char *shows = source.shows ? source.shows : source.value;
+        EXPECT_TRUE(values.insert(shows).second) << "shown twice: " << shows;
+    }
+    std::set<std::string> seen;
+    // A row shows the same on a CDMA watch, where the modem's rows are others; a value read
+    // without error but empty shows as unknown, as a missing one does, on every kind of row (an
+    // empty text id would look up the catalogue's header).
+    for (const char *kind : {"GSM", "CDMA", "GSM, empty", "CDMA, empty"}) {
+        bool cdma = kind[0] == 'C', empty = strstr(kind, "empty");
+        profile["system_info"]["platform"]["feature/network.telephony.service.cdma"] = cdma;
+        for (const Source &source : sources)
+            if (empty && source.path)
+                setPath(source.path, "");
+        useWatch(profile);
+        for (const char *page : {"about", "status", "software", "tessid", "battery"}) {
+            auto rows = pushAndList(newPage(page));
+            for (size_t i = 1; i < rows.size(); ++i) {
+                std::string label = textOf(rows[i], "elm.text"), expected = "(none)";
+                for (const Source &source : sources)
+                    if (source.page == std::string(page) && label == source.label)
+                        expected = empty && source.path ? "Unknown"
+                                   : source.shows       ? source.shows
+                                                        : source.value;
+                EXPECT_EQ(shown(rows[i]), expected) << kind << ", " << page << ": " << label;
+                seen.insert(std::string(page) + ": " + label);
+            }
+        }
+        closePages();
+    }
+    for (const Source &source : sources)
+        EXPECT_TRUE(seen.count(std::string(source.page) + ": " + source.label)) << source.label;
+    platform::daemonLinkShutdown(1.0);
+}
+
+// Which rows each kind of watch shows, in order. The first line of each page shows every row;
+// each other line changes one condition of it. Rows that only show a fact (model number,
+// storage, the security-platform versions, the battery) take no tap.
+TEST_F(PagesTest, EachKindOfWatchShowsItsRows) {
+    const std::string info = "Device information|", esim = "Kesta eSIM profile|eID|",
+                      hardware = "Hardware version|", phone = "Kesta phone number|",
+                      gsm = "IMEI|IMEI SV|ICCID|", cdma = "PRL|ERI|MEID|",
+                      ims = "IMS registration status|",
+                      radios = "Wi-Fi MAC address|Bluetooth address|Serial number|",
+                      barcode = "Barcode number|";
+    const std::string head =
+                          "About Kesta|Device information|Model number|Storage|"
+                          "Software information|Battery information|",
+                      regulatory = "Regulatory information|",
+                      tail =
+                          "Open source licences|Report diagnostic and usage info|"
+                          "Nerova Tessid Privacy Notice|Debugging|",
+                      links = "Looking for this?|Reset Kesta|";
+    const std::string software =
+        "Software information|Tizen version|Software version|"
+        "Tessid version|";
+    const struct {
+        const char *page, *change;
+        std::string rows;
+    } lines[] = {
+        {"status", "{}", info + esim + hardware + phone + gsm + ims + radios + barcode},
+        {"status", R"({"system_info": {"vendor": {"tizen/feature/esim.phase": 2}}})",
+         info + hardware + phone + gsm + ims + radios + barcode},
+        {"status", R"({"system_info": {"vendor": {"tizen/feature/esim.phase": 0}}})",
+         info + hardware + phone + gsm + ims + radios + barcode},
+        {"status", R"({"settings": {"db/setup_wizard/standalone": 1}})",
+         info + "eID|" + hardware + phone + gsm + ims + radios + barcode},
+        {"status", R"({"csc": {"features": {"39": false}}})",
+         info + esim + phone + gsm + ims + radios + barcode},
+        {"status",
+         R"({"system_info": {"platform": {"feature/network.telephony.service.cdma": true}}})",
+         info + esim + hardware + phone + cdma + ims + radios + barcode},
+        {"status", R"({"csc": {"features": {"93": false}}})",
+         info + esim + hardware + phone + gsm + radios + barcode},
+        {"status", R"({"csc": {"features": {"30": false}}})",
+         info + esim + hardware + phone + gsm + ims + radios},
+        {"status", R"({"settings": {"db/csc/text_string_country": "CN"}})",
+         info + esim + hardware + phone + gsm + ims +
+             "WLAN MAC address|Bluetooth address|Serial number|" + barcode},
+        {"status", R"({"settings": {"db/csc/country_iso": "CN"}})",
+         info + esim + hardware + phone + gsm + ims + radios + barcode},
+        {"status", R"({"telephony": {"modem": false}})",
+         info + esim + hardware + phone + gsm + ims + radios + barcode},
+        {"about", "{}", head + regulatory + tail + links},
+        {"about", R"({"settings": {"db/csc/country_iso": "GB"}})", head + tail + links},
+        {"about",
+         R"({"settings": {"db/csc/country_iso": "GB", "db/csc/text_string_country": "IN"}})",
+         head + tail + links},
+        {"about", R"({"settings": {"db/retailmode/enabled": 1}})", head + regulatory + tail},
+        {"about", R"({"settings": {"db/retailmode/RDU_V9/enabled": 2}})", head + regulatory + tail},
+        {"software", "{}", software + "Tessid Configure|Security status|"},
+        {"software", R"({"packages": {"com.nerova.tessid.ravelclient": null}})",
+         software + "Security status|"},
+        {"software",
+         R"({"packages": {"com.nerova.tessid.ravelclient": null,
+                          "com.nerova.tessid.ravelclient.settings": {}}})",
+         software + "Security status|"},
+        {"tessid", "{}",
+         "Tessid version|Tessid version|Tessid Tizen Wearable SDK|"
+         "Pelor for Tizen|VIMO|"},
+        {"battery", "{}", "Battery information|Rated|Battery capacity|"},
+    };
+    for (const auto &line : lines) {
+        SCOPED_TRACE(std::string(line.page) + " " + line.change);
+        json profile = json::parse(kEveryRow);
+        profile.merge_patch(json::parse(line.change));
+        useWatch(profile);
+        std::string page = line.page, shownRows;
+        auto rows = pushAndList(newPage(page));
+        for (size_t i = 0; i < rows.size(); ++i) {
+            std::string label = textOf(rows[i], "elm.text");
+            shownRows += label + "|";
+            bool fact = label == "Model number" || label == "Storage";
+            bool displayOnly = i == 0 || fact || page == "tessid" || page == "battery";
+            EXPECT_EQ(
+                elm_genlist_item_select_mode_get(rows[i]) == ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY,
+                displayOnly)
+                << label;
+            // The eSIM profile's name and the EID may be long: their values wrap.
+            bool wraps = page == "status" && (label == "eID" || label == "Kesta eSIM profile");
+            if (page == "status" && i > 0) {
+                EXPECT_STREQ(elm_genlist_item_item_class_get(rows[i])->item_style,
+                             wraps ? "2text/sub1.multiline" : "2text");
+            }
+        }
+        EXPECT_EQ(shownRows, line.rows);
+        closePages();
+    }
+}
+
+// A tap on the debugging row under each device policy: the popup it opens (by its title, or its
+// text when it has none), or where the switch stands after it. The first line confirms; each
+// other changes one condition of it.
+TEST_F(PagesTest, DebuggingRowFollowsTheDevicePolicy) {
+    const char *const kConfirm = "Debugging";
+    const char *const kRestricted = "Security policy restricts changing settings.";
+    const struct {
+        const char *change;
+        bool disabled;
+        const char *afterTap;
+    } lines[] = {
+        {"{}", false, kConfirm},
+        {R"({"policy": {"allow_usb_debugging": 1}})", true, "off"},
+        {R"({"policy": {"allow_usb_debugging": -1}})", false, kConfirm},
+        // Without the policy service nothing is restricted.
+        {R"({"policy": {"allow_usb_debugging": 1, "service": false}})", false, kConfirm},
+        {R"({"policy": {"change_allowed": false}})", false, kRestricted},
+        {R"({"policy": {"change_allowed": false}, "settings": {"db/setting/debug_mode": true}})",
+         false, kRestricted},
+        {R"({"policy": {"change_allowed": false, "service": false}})", false, kConfirm},
+        {R"({"settings": {"db/setting/debug_mode": true}})", false, "off"},
+    };
+    for (const auto &line : lines) {
+        SCOPED_TRACE(line.change);
+        json profile = json::parse(kEveryRow);
+        profile.merge_patch(json::parse(line.change));
+        useWatch(profile);
+        auto rows = pushAndList(new StInfoMainViewController());
+        Elm_Object_Item *debugging = rowLabelled(rows, "Debugging");
+        EXPECT_EQ(elm_object_item_disabled_get(debugging), line.disabled);
+        tapTimes(debugging, 1);
+        std::string after = setting(kDebugKey) ? "on" : "off";
+        if (app_assist::WPopupController *popup = _naviframe->getTopView()->getPopup()) {
+            const char *title = elm_object_part_text_get(popup->getEvasObject(), "title,text");
+            after = title ? title : elm_object_text_get(popup->getEvasObject());
+        }
+        EXPECT_EQ(after, line.afterTap);
+        closePages();
+    }
+}
+
+// Texts made of several parts, whole, as they are shown and as a screen reader speaks them.
+TEST_F(PagesTest, LicenceStepsAndTheConsentTextReadWhole) {
+    auto licence = [](const char *network, const char *step4) {
+        return std::string(
+                   "Follow the steps below to view the open source licences:\n"
+                   "1. Connect your computer to a ") +
+               network +
+               " network.\n"
+               "2. Go to About Kesta in Settings, then turn on Debugging.\n"
+               "3. Go to Settings > Connections > Bluetooth, then turn off Bluetooth.\n"
+               "4. " +
+               step4 + "\n5. Select the connected " + network +
+               " network to check the IP address.\n"
+               "6. Install the SDK on your computer to use the sdb command, then connect by "
+               "entering \"sdb connect [your IP address]:26101\".\n"
+               "Using sdb, download the /usr/share/license.html file to your computer by running "
+               "cmd and entering \"sdb pull /usr/share/license.html c:\\OpenSource\\license.html\" "
+               "into the input field.";
+    };
+    // The wording follows the sales country text, not its ISO code.
+    const struct {
+        const char *country, *iso;
+        std::string body;
+    } lines[] = {
+        {"GB", "CN",
+         licence("Wi-Fi",
+                 "Go to Settings > Connections > Wi-Fi, then connect to the Wi-Fi "
+                 "network that your computer is using.")},
+        {"CN", "GB",
+         licence("WLAN",
+                 "Go to Settings > Connections > WLAN, then connect to the network that "
+                 "your computer is using.")},
+    };
+    for (const auto &line : lines) {
+        vconf_set_str("db/csc/text_string_country", line.country);
+        vconf_set_str("db/csc/country_iso", line.iso);
+        push(new StInfoOpenSrcLicenseViewController());
+        Evas_Object *layout = nullptr;
+        std::vector<Evas_Object *> layouts;
+        evas_tree::collectByType(_naviframe->getTopView()->getEvasObject(), "elm_layout", &layouts,
+                                 true);
+        for (Evas_Object *candidate : layouts)
+            if (elm_object_part_text_get(candidate, "text.body"))
+                layout = candidate;
+        ASSERT_NE(layout, nullptr);
+        char *body = elm_entry_markup_to_utf8(elm_object_part_text_get(layout, "text.body"));
+        EXPECT_EQ(body, line.body);
+        free(body);
+        auto spoken = [layout](const char *part) {
+            Evas_Object *access = elm_access_object_get(
+                edje_object_part_object_get(elm_layout_edje_get(layout), part));
+            const char *text = access ? elm_atspi_accessible_description_get(access) : nullptr;
+            return std::string(text ? text : "(silent)");
+        };
+        EXPECT_EQ(spoken("text.title"), "Open source licences");
+        EXPECT_EQ(spoken("text.body"), line.body);
+    }
+
+    // The consent: its first paragraph alone, the other three on the next line.
+    auto paragraph = [](int n) {
+        std::string id = "IDS_ST_BODY_CONSENT_TO_PROVIDE_DIAGNOSTIC_AND_USAGE_DATA_P" +
+                         std::to_string(n) + "_WC1_LEGALPHRASE";
+        return std::string(dgettext("quillset", id.c_str()));
+    };
+    std::string consent =
+        paragraph(1) + "\n" + paragraph(2) + " " + paragraph(3) + " " + paragraph(4);
+    ASSERT_EQ(consent.rfind("I agree that Nerova may collect", 0), 0u) << "in English";
+    vconf_set_bool("db/wms/user_agreement/errorlog", 0);
+    auto rows = pushAndList(new StInfoMainViewController());
+    tapTimes(rowLabelled(rows, "Report diagnostic and usage info"), 1);
+    app_assist::WPopupController *popup = _naviframe->getTopView()->getPopup();
+    ASSERT_NE(popup, nullptr);
+    Evas_Object *content = popup->getContentObject();
+    char *text = elm_entry_markup_to_utf8(elm_object_part_text_get(content, "elm.text"));
+    EXPECT_EQ(text, consent);
+    free(text);
+    Evas_Object *access = elm_access_object_get(
+        edje_object_part_object_get(elm_layout_edje_get(content), "elm.text"));
+    ASSERT_NE(access, nullptr);
+    EXPECT_EQ(elm_atspi_accessible_description_get(access), consent);
+}
+
+// The model number's letter for its carriers: each sales code of the one model that has them.
+TEST_F(PagesTest, ModelNumberGainsTheCarrierLetterOnlyForItsModel) {
+    const struct {
+        const char *model, *salesCode, *shown;  // null: no sales code
+    } lines[] = {
+        {"QX-M480", "SKC", "QX-M480S"}, {"QX-M480", "SKO", "QX-M480S"},
+        {"QX-M480", "KTC", "QX-M480K"}, {"QX-M480", "KTO", "QX-M480K"},
+        {"QX-M480", "LUC", "QX-M480L"}, {"QX-M480", "LUO", "QX-M480L"},
+        {"QX-M480", "kto", "QX-M480"},  {"QX-M480", "XEU", "QX-M480"},
+        {"QX-M480", "", "QX-M480"},     {"QX-M480", nullptr, "QX-M480"},
+        {"QX-M490", "KTO", "QX-M490"},  {"QX-M4800", "KTO", "QX-M4800"},
+    };
+    for (const auto &line : lines) {
+        writeProfile(std::string(R"({"system_info": {"platform": {"system/model_name": ")") +
+                     line.model + "\"}}}");
+        if (line.salesCode)
+            vconf_set_str("db/csc/salescode", line.salesCode);
+        else
+            unsetSetting("db/csc/salescode");
+        // The customer code, a neighbouring key, never decides.
+        vconf_set_str("db/csc/text_string_customer", "SKC");
+        EXPECT_EQ(StInfoModel::getInstance()->getSystemInfoModel(), line.shown)
+            << line.model << " " << (line.salesCode ? line.salesCode : "(none)");
+    }
+}
 
 // Software model
 
+// The approval version replaces the build only when the service says it has one and it is not
+// empty.
 TEST_F(PagesTest, SoftwareVersionIsTheBuildUnlessANonEmptyApprovalVersionReplacesIt) {
-    const std::string build =
-        R"({"system_info": {"platform": {"system/build.string": "M480-EU-3.2"}})";
-    writeProfile(build + "}");
-    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "M480-EU-3.2");
-    writeProfile(build + R"(, "csc": {"approval_version": ""}})");
-    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "M480-EU-3.2");
-    writeProfile(build + R"(, "csc": {"approval_version": "M480-XM-3.2.0702"}})");
-    EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), "M480-XM-3.2.0702");
-}
-
-TEST_F(PagesTest, AnEmptySecurityPolicyVersionIsUnknown) {
-    vconf_set_str("db/smack/spd_installed_policy_version", "");
-    EXPECT_EQ(StInfoSwModel::getInstance()->getSecurityStatus(), kUnknown);
-    vconf_set_str("db/smack/spd_installed_policy_version", "TSP-M480-7.1-r12");
-    EXPECT_EQ(StInfoSwModel::getInstance()->getSecurityStatus(), "TSP-M480-7.1-r12");
-}
-
-// Security-platform model and rows
-
-TEST_F(PagesTest, SecurityPlatformRowsShowTheirKeysAndUnknownForEachMissingOne) {
-    writeProfile(vendorProfile(R"("tizen/feature/tessid.version": "3.9",
-                                  "tizen/feature/tessid.vimo.version": "1<2 & 3")"));
-    auto rows = pushAndList(new StInfoTessidViewController());
-    ASSERT_EQ(rows.size(), 5u);
-    EXPECT_EQ(textOf(rows[0], "elm.text"), "Tessid version");
-    const char *labels[] = {"Tessid version", "Tessid Tizen Wearable SDK", "Pelor for Tizen",
-                            "VIMO"};
-    for (int i = 1; i <= 4; ++i) {
-        EXPECT_EQ(textOf(rows[i], "elm.text"), labels[i - 1]);
-        // Nothing happens on a tap, and nothing stays highlighted.
-        EXPECT_EQ(elm_genlist_item_select_mode_get(rows[i]), ELM_OBJECT_SELECT_MODE_DISPLAY_ONLY);
+    const char *const build =
+        R"("system_info": {"platform": {"system/build.string": "M480-EU-3.2"}})";
+    const struct {
+        const char *rest, *shown;
+    } lines[] = {
+        {R"("csc": {"approval_version": "M480-XM-3.2.0702"})", "M480-XM-3.2.0702"},
+        {R"("csc": {})", "M480-EU-3.2"},
+        {R"("csc": {"approval_version": ""})", "M480-EU-3.2"},
+        {R"("csc": {"approval_version": "M480-XM-3.2.0702"}, "faults": [
+             {"call": "csc_svc_config_chk_approval_version_exist", "code": 0}])",
+         "M480-EU-3.2"},
+    };
+    for (const auto &line : lines) {
+        writeProfile(std::string("{") + build + ", " + line.rest + "}");
+        EXPECT_EQ(StInfoSwModel::getInstance()->getSwVersionInfo(), line.shown) << line.rest;
     }
-    EXPECT_EQ(textOf(rows[1], "elm.text.1"), "3.9");
-    EXPECT_EQ(textOf(rows[2], "elm.text.1"), "Unknown");
-    EXPECT_EQ(textOf(rows[3], "elm.text.1"), "Unknown");
-    // A version is shown as it is, not read as markup.
-    EXPECT_EQ(textOf(rows[4], "elm.text.1"), "1&lt;2 &amp; 3");
-    EXPECT_EQ(textOf(rows[4], "elm.text.2"), "(none)");
 }
 
 // Battery model
@@ -161,7 +571,6 @@ TEST_F(PagesTest, RatedValueNeedsVoltageAndCurrentAndValuesAreCutAt31And15Charac
     const struct {
         const char *voltage, *current, *capacity, *rated, *shownCapacity;  // null: no key
     } cases[] = {
-        {"3.85V", "300mA", "361mAh", "3.85V; 300mA", "361mAh"},
         {"3.85V", nullptr, nullptr, kUnknown, kUnknown},
         {nullptr, "300mA", nullptr, kUnknown, kUnknown},
         // "12345678901234; 123456789012345" is exactly 31 characters.
@@ -192,73 +601,50 @@ class SoftwarePageTest : public PagesTest {
 protected:
     void SetUp() override {
         PagesTest::SetUp();
-        writeProfile(R"({"system_info": {"platform": {"system/build.string": "M480-EU-3.2",
-                         "feature/platform.version": "6.0"}},
-                         "packages": {"com.nerova.tessid.ravelclient": {}}})");
+        writeProfile(R"({"packages": {"com.nerova.tessid.ravelclient": {}}})");
         vconf_set_bool(kDeveloperOption, 0);
         vconf_set_bool("db/setting/accessibility/tts", 0);
-        unsetSetting("db/smack/spd_installed_policy_version");
         _rows = pushAndList(new StInfoSwViewController());
         ASSERT_EQ(_rows.size(), 6u);
     }
 
-    Elm_Object_Item *platformRow() { return _rows[1]; }
     Elm_Object_Item *softwareRow() { return _rows[2]; }
-    Elm_Object_Item *securityStatusRow() { return _rows[5]; }
 
     std::vector<Elm_Object_Item *> _rows;
 };
 
-TEST_F(SoftwarePageTest, RowsFollowTheProfileInOrder) {
-    EXPECT_EQ(labels(_rows),
-              (std::vector<std::string>{"Software information", "Tizen version", "Software version",
-                                        "Tessid version", "Tessid Configure", "Security status"}));
-    EXPECT_EQ(textOf(_rows[1], "elm.text.1"), "6.0");
-    EXPECT_EQ(textOf(_rows[2], "elm.text.1"), "M480-EU-3.2");
-    EXPECT_EQ(textOf(_rows[3], "elm.text.1"), "(none)");
-    EXPECT_EQ(textOf(_rows[5], "elm.text.1"), "Unknown");
-    // Without the client installed, no row for its settings.
-    writeProfile("{}");
-    EXPECT_EQ(labels(pushAndList(new StInfoSwViewController())),
-              (std::vector<std::string>{"Software information", "Tizen version", "Software version",
-                                        "Tessid version", "Security status"}));
-}
-
-TEST_F(SoftwarePageTest, FiveTapsInARowTurnDeveloperModeOnWithAToastEveryFifthTap) {
-    tapTimes(softwareRow(), 4);
-    EXPECT_FALSE(developerOption());
-    EXPECT_TRUE(visibleToasts().empty());
-    tapTimes(softwareRow(), 1);
-    EXPECT_TRUE(developerOption());
+// The taps after which developer mode turned on, counted from 1. S is the software version, P
+// the platform version, Z the security status, T the security-platform versions (opened and
+// left), C the security client's settings (launched). Every fifth software-version tap in a row
+// turns it on; a tap on another value row starts the count again, a tap on a link row does not.
+TEST_F(SoftwarePageTest, EveryFifthSoftwareVersionTapInARowTurnsDeveloperModeOn) {
+    const struct {
+        const char *taps, *turnedOn;
+    } lines[] = {
+        {"SSSS", ""},   {"SSSSS", "5 "},  {"SSSSSSSSSS", "5 10 "}, {"SSSSPSSSSS", "10 "},
+        {"SSSSZS", ""}, {"SSSSTS", "6 "}, {"SSSSCS", "6 "},
+    };
+    for (const auto &line : lines) {
+        SCOPED_TRACE(line.taps);
+        _rows = pushAndList(new StInfoSwViewController());
+        std::string turnedOn;
+        for (int i = 0; line.taps[i]; ++i) {
+            vconf_set_bool(kDeveloperOption, 0);
+            tapTimes(_rows[std::string(" PSTCZ").find(line.taps[i])], 1);
+            if (line.taps[i] == 'T') {
+                _naviframe->pop();
+                settle(0.1);
+            }
+            StAppControlLauncher::getInstance()->unblockUi();
+            if (setting(kDeveloperOption))
+                turnedOn += std::to_string(i + 1) + " ";
+        }
+        EXPECT_EQ(turnedOn, line.turnedOn);
+    }
     auto toasts = visibleToasts();
-    ASSERT_EQ(toasts.size(), 1u);
+    ASSERT_FALSE(toasts.empty());
     EXPECT_STREQ(elm_object_part_text_get(toasts[0], "elm.text"), "developer mode turned on");
     EXPECT_FALSE(elm_genlist_item_selected_get(softwareRow())) << "not left highlighted";
-    // The count starts again: the tenth tap writes the key again.
-    vconf_set_bool(kDeveloperOption, 0);
-    tapTimes(softwareRow(), 4);
-    EXPECT_FALSE(developerOption());
-    tapTimes(softwareRow(), 1);
-    EXPECT_TRUE(developerOption());
-}
-
-TEST_F(SoftwarePageTest, OtherValueRowsStartTheCountAgainAndTheLinkRowsLeaveIt) {
-    for (Elm_Object_Item *other : {platformRow(), securityStatusRow()}) {
-        tapTimes(softwareRow(), 4);
-        tapTimes(other, 1);
-    }
-    tapTimes(softwareRow(), 4);
-    EXPECT_FALSE(developerOption());
-    // The security-platform page opens and is left; the client's settings are launched.
-    tapTimes(_rows[3], 1);
-    ASSERT_EQ(_naviframe->getViews().size(), 2u);
-    _naviframe->pop();
-    settle(0.1);
-    tapTimes(_rows[4], 1);
-    StAppControlLauncher::getInstance()->unblockUi();
-    EXPECT_FALSE(developerOption());
-    tapTimes(softwareRow(), 1);
-    EXPECT_TRUE(developerOption()) << "the fifth counted tap";
 }
 
 TEST_F(SoftwarePageTest, AFailedWriteIsLoggedAndTheToastStillShows) {
@@ -266,7 +652,7 @@ TEST_F(SoftwarePageTest, AFailedWriteIsLoggedAndTheToastStillShows) {
         R"({"faults": [{"call": "vconf_set_bool", "key": "db/setting/developer_option_state",
                                  "code": -1}]})");
     tapTimes(softwareRow(), 5);
-    EXPECT_FALSE(developerOption());
+    EXPECT_FALSE(setting(kDeveloperOption));
     EXPECT_EQ(visibleToasts().size(), 1u);
     EXPECT_NE(logSinceStart().find("VCONFKEY_SETAPPL_DEVELOPER_OPTION_STATE set failed"),
               std::string::npos);
@@ -291,89 +677,13 @@ TEST_F(SoftwarePageTest, ToastStaysLongerWhileTheScreenReaderIsOn) {
     EXPECT_DOUBLE_EQ(StInfoSwViewController::devModeToastTimeout(), 2.0);
 }
 
-// The About list
-
-TEST_F(PagesTest, AboutListEntriesFollowTheCountryAndTheRetailKeys) {
-    const std::vector<std::string> head = {"About Kesta",          "Device information",
-                                           "Model number",         "Storage",
-                                           "Software information", "Battery information"};
-    const std::vector<std::string> links = {"Looking for this?", "Reset Kesta"};
-    const struct {
-        const char *countryIso, *country;
-        int retail, demoUnit;
-        bool regulatory, links;
-    } cases[] = {
-        {"GB", "GB", 0, 0, false, true},
-        // The entry follows the ISO code; the licence wording (below) the country text.
-        {"IN", "GB", 0, 0, true, true},
-        {"GB", "IN", 0, 0, false, true},
-        {"GB", "GB", 1, 0, false, false},
-        {"GB", "GB", 0, 1, false, false},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(std::string(c.countryIso) + "/" + c.country + " retail " +
-                     std::to_string(c.retail) + "/" + std::to_string(c.demoUnit));
-        vconf_set_str("db/csc/country_iso", c.countryIso);
-        vconf_set_str("db/csc/text_string_country", c.country);
-        vconf_set_int("db/retailmode/enabled", c.retail);
-        vconf_set_int("db/retailmode/RDU_V9/enabled", c.demoUnit);
-        std::vector<std::string> expected = head;
-        if (c.regulatory)
-            expected.push_back("Regulatory information");
-        for (const char *label : {"Open source licences", "Report diagnostic and usage info",
-                                  "Nerova Tessid Privacy Notice", "Debugging"})
-            expected.push_back(label);
-        if (c.links)
-            expected.insert(expected.end(), links.begin(), links.end());
-        EXPECT_EQ(labels(pushAndList(new StInfoMainViewController())), expected);
-        evas_object_del(_naviframe->getEvasObject());
-    }
-}
-
-TEST_F(PagesTest, LicenceStepsAreNumberedAndWordedForTheCountryTextNotTheIsoCode) {
-    for (bool china : {false, true}) {
-        vconf_set_str("db/csc/text_string_country", china ? "CN" : "GB");
-        vconf_set_str("db/csc/country_iso", china ? "GB" : "CN");
-        _naviframe = makeNaviframe();
-        auto *page = new StInfoOpenSrcLicenseViewController();
-        ASSERT_TRUE(_naviframe->push(page));
-        settle(0.1);
-        std::vector<Evas_Object *> layouts;
-        evas_tree::collectByType(page->getEvasObject(), "elm_layout", &layouts, true);
-        std::string body;
-        for (Evas_Object *layout : layouts)
-            if (const char *text = elm_object_part_text_get(layout, "text.body"))
-                body = text;
-        std::vector<std::string> lines;
-        for (size_t start = 0, end = 0; end != std::string::npos; start = end + 5) {
-            end = body.find("<br/>", start);
-            lines.push_back(body.substr(start, end - start));
-        }
-        ASSERT_EQ(lines.size(), 8u) << body;
-        for (int step = 1; step <= 6; ++step)
-            EXPECT_EQ(lines[step].rfind(std::to_string(step) + ". ", 0), 0u) << lines[step];
-        EXPECT_NE(lines[6].find("&quot;sdb connect [your IP address]:26101&quot;"),
-                  std::string::npos);
-        EXPECT_NE(lines[7].find("sdb pull /usr/share/license.html c:\\OpenSource\\license.html"),
-                  std::string::npos);
-        for (int step : {1, 4, 5})
-            EXPECT_NE(lines[step].find(china ? "WLAN" : "Wi-Fi"), std::string::npos) << lines[step];
-        EXPECT_EQ(body.find(china ? "Wi-Fi" : "WLAN"), std::string::npos) << body;
-        evas_object_del(_naviframe->getEvasObject());
-    }
-}
+// The bezel
 
 TEST_F(PagesTest, TheBezelTurnsTheAboutListAgainAfterEachPopupAndPage) {
-    vconf_set_bool("db/setting/debug_mode", 0);
+    vconf_set_bool(kDebugKey, 0);
     vconf_set_bool("db/wms/user_agreement/errorlog", 0);
     auto rows = pushAndList(new StInfoMainViewController());
     Evas_Object *list = elm_object_item_widget_get(rows[0]);
-    auto row = [&](const std::string &label) {
-        for (Elm_Object_Item *r : rows)
-            if (textOf(r, "elm.text") == label)
-                return r;
-        return static_cast<Elm_Object_Item *>(nullptr);
-    };
     const struct {
         const char *row;
         const char *profile;  // the restricted popup needs the policy
@@ -386,7 +696,7 @@ TEST_F(PagesTest, TheBezelTurnsTheAboutListAgainAfterEachPopupAndPage) {
     for (const auto &o : opened) {
         SCOPED_TRACE(std::string(o.row) + " " + o.profile);
         writeProfile(o.profile);
-        tapTimes(row(o.row), 1);
+        tapTimes(rowLabelled(rows, o.row), 1);
         EXPECT_TRUE(_naviframe->getViews().size() == 2 || _naviframe->getTopView()->getPopup())
             << "nothing opened";
         pressKey("Escape");
@@ -420,25 +730,6 @@ TEST_F(PagesTest, TheBezelScrollsTheRegulatoryAndLicencePages) {
         pressKey("Next");
         EXPECT_TRUE(runUntil([&] { return top() > before; }, 1.0)) << page->getTitle();
         evas_object_del(_naviframe->getEvasObject());
+        _naviframe = nullptr;
     }
-}
-
-// Home key without a bus
-
-TEST_F(PagesTest, HomeKeyHandlerWithoutABusStaysUnregisteredAndKeepsTheLibraryBalanced) {
-    int before = eldbus_init();
-    eldbus_shutdown();
-    {
-        StHomeKeyHandler handler;
-        handler.unregisterHandler();  // never registered: nothing to do
-        handler.setHomeKeyPressedCb([] {});
-        EXPECT_FALSE(handler.registerHandler());
-        // After a failure it may try again, and fails the same way.
-        EXPECT_FALSE(handler.registerHandler());
-    }
-    int after = eldbus_init();
-    eldbus_shutdown();
-    EXPECT_EQ(after, before);
-    EXPECT_EQ(count(logSinceStart(), "Failed to get dbus connection"), 2u);
-    EXPECT_EQ(logSinceStart().find("Already registered!"), std::string::npos);
 }

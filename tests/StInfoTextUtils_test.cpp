@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <vconf.h>
 
+#include <cstdio>
 #include <string>
 
 #include "StInfoTextUtils.h"
@@ -41,9 +42,12 @@ TEST_F(StInfoTextUtilsTest, RegionComesFromTheRegionFormatAndSomeAreNeverFormatt
     EXPECT_EQ(getRegionCode(), "GB");
     setRegion("ko");  // too short to hold a country
     EXPECT_EQ(getRegionCode(), "KR");
-    for (const char *code : {"RU", "CN"})
+    std::remove((EflTestEnvironment::stateDir() + "/settings/db/menu_widget/regionformat").c_str());
+    EXPECT_EQ(getRegionCode(), "KR");
+    for (const char *code :
+         {"RU", "UZ", "BY", "KZ", "BN", "KH", "ID", "MY", "MM", "PH", "SG", "TH", "VN", "IL", "CN"})
         EXPECT_TRUE(isUnformattedRegion(code)) << code;
-    for (const char *code : {"ru", "", "GB"})
+    for (const char *code : {"ru", "", "GB", "KR", "R"})
         EXPECT_FALSE(isUnformattedRegion(code)) << code;
 }
 

@@ -54,6 +54,9 @@ StLogManager::StLogManager() : _logManagerHandle(nullptr) {
 StLogManager::~StLogManager() {
     if (_logManagerHandle)
         nerova_log_manager_destroy(_logManagerHandle);
+    // The next getInstance() makes a new logger rather than hand out this freed one.
+    if (_pInstance == this)
+        _pInstance = nullptr;
 }
 
 void StLogManager::_init() {}

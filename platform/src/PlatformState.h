@@ -33,6 +33,9 @@ int repliesAwaited();
 // receives the error code to answer with. Logs nothing: the stand-in decides what to say.
 bool fault(const char *call, const char *key, int *code);
 
+// Log-client handles made and not yet destroyed: what a client leaves open behind it.
+int logManagerHandlesOpen();
+
 // Forgets the cached profile so that the next query reads it again (tests change profiles).
 void reloadProfile();
 

@@ -9,6 +9,7 @@
 #include <efl_extension.h>
 
 #include <dlog.h>
+#include <strings.h>
 
 #include <algorithm>
 #include <cmath>
@@ -69,11 +70,18 @@ void surfaceContainerDelCb(void *data, const Efl_Event *) {
     delete static_cast<_Eext_Circle_Surface *>(data);
 }
 
-Eext_Circle_Surface *surfaceAdd(Evas_Object *container) {
+// A surface is made on the kind of container its constructor is named for, and no other.
+Eext_Circle_Surface *surfaceAdd(Evas_Object *container, const char *kind) {
     if (platform::fault("eext_circle_surface_add", nullptr, nullptr))
         return nullptr;
     if (!container) {
         dlog_print(DLOG_ERROR, kTag, "circle surface: no container");
+        return nullptr;
+    }
+    const char *type = evas_object_type_get(container);
+    if (!type || strcasecmp(type, kind) != 0) {
+        dlog_print(DLOG_ERROR, kTag, "circle surface: %s is not an %s", type ? type : "(none)",
+                   kind);
         return nullptr;
     }
     auto *surface = new _Eext_Circle_Surface{container};
@@ -410,15 +418,15 @@ void watchDeletion(Evas_Object *obj) {
 extern "C" {
 
 Eext_Circle_Surface *eext_circle_surface_conformant_add(Evas_Object *conformant) {
-    return surfaceAdd(conformant);
+    return surfaceAdd(conformant, "elm_conformant");
 }
 
 Eext_Circle_Surface *eext_circle_surface_naviframe_add(Evas_Object *naviframe) {
-    return surfaceAdd(naviframe);
+    return surfaceAdd(naviframe, "elm_naviframe");
 }
 
 Eext_Circle_Surface *eext_circle_surface_layout_add(Evas_Object *layout) {
-    return surfaceAdd(layout);
+    return surfaceAdd(layout, "elm_layout");
 }
 
 void eext_circle_surface_del(Eext_Circle_Surface *surface) {

@@ -24,6 +24,8 @@ const char *const kProviderName = "com.nerova.logmgr";
 const char *const kProviderPath = "/com/nerova/logmgr/provider";
 const char *const kProviderInterface = "com.nerova.logmgr.Provider";
 
+int g_handlesOpen = 0;
+
 const char *valueOf(bundle *record, const char *key) {
     char *value = nullptr;
     return bundle_get_str(record, key, &value) == BUNDLE_ERROR_NONE ? value : nullptr;
@@ -72,6 +74,7 @@ int nerova_log_manager_create(nerova_log_manager_h *handle) {
         return code;
     }
     *handle = new nerova_log_manager_s();
+    ++g_handlesOpen;
     return NEROVA_LOG_MANAGER_ERROR_NONE;
 }
 
@@ -108,7 +111,12 @@ int nerova_log_manager_destroy(nerova_log_manager_h handle) {
     if (!handle)
         return NEROVA_LOG_MANAGER_ERROR_INVALID_PARAMETER;
     delete handle;
+    --g_handlesOpen;
     return NEROVA_LOG_MANAGER_ERROR_NONE;
 }
 
 }  // extern "C"
+
+int platform::logManagerHandlesOpen() {
+    return g_handlesOpen;
+}

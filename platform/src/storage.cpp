@@ -1,5 +1,7 @@
 // Internal storage sizes from the profile's "storage" section:
 // "storage": {"block_size": 4096, "total_blocks": 1048576, "available_blocks": 700000}
+// and, where a watch keeps blocks back or counts in fragments of another size, "free_blocks"
+// (default: the available ones) and "fragment_size" (default: the block size).
 
 #include <storage.h>
 
@@ -20,10 +22,10 @@ extern "C" int storage_get_internal_memory_size(struct statvfs *buf) {
     memset(buf, 0, sizeof(*buf));
     try {
         buf->f_bsize = it->value("block_size", 4096UL);
-        buf->f_frsize = buf->f_bsize;
+        buf->f_frsize = it->value("fragment_size", buf->f_bsize);
         buf->f_blocks = it->value("total_blocks", 1048576UL);
         buf->f_bavail = it->value("available_blocks", 0UL);
-        buf->f_bfree = buf->f_bavail;
+        buf->f_bfree = it->value("free_blocks", buf->f_bavail);
     } catch (const nlohmann::json::exception &) {
         return STORAGE_ERROR_OPERATION_FAILED;
     }

@@ -234,7 +234,9 @@ bool validate(const Json &json, const std::string &source, std::vector<std::stri
              if (!c.fields(v, path,
                            {{"block_size", c.integer(1, kCountMax)},
                             {"total_blocks", c.integer(0, kCountMax)},
-                            {"available_blocks", c.integer(0, kCountMax)}}))
+                            {"available_blocks", c.integer(0, kCountMax)},
+                            {"free_blocks", c.integer(0, kCountMax)},
+                            {"fragment_size", c.integer(1, kCountMax)}}))
                  return false;
              if (v.contains("total_blocks") && v.contains("available_blocks") &&
                  v["available_blocks"].get<long long>() > v["total_blocks"].get<long long>())

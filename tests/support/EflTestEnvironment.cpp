@@ -3,12 +3,14 @@
 #include <fstream>
 #include <sstream>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <unistd.h>
 #include <clocale>
 
 #include <Efreet.h>
+#include <vconf.h>
 
 #include "PlatformState.h"
 #include "Profile.h"
@@ -117,6 +119,21 @@ void EflTestEnvironment::seedShippedProfile(const char *name) {
 void EflTest::writeProfile(const std::string &json) {
     std::ofstream(g_stateDir + "/profile.json") << json;
     platform::reloadProfile();
+}
+
+void EflTest::writeSettings(const nlohmann::json &settings) {
+    for (const auto &setting : settings.items()) {
+        const char *key = setting.key().c_str();
+        const nlohmann::json &value = setting.value();
+        if (value.is_boolean())
+            vconf_set_bool(key, value.get<bool>());
+        else if (value.is_number())
+            vconf_set_int(key, value.get<int>());
+        else if (value.is_string())
+            vconf_set_str(key, value.get<std::string>().c_str());
+        else
+            std::remove((g_stateDir + "/settings/" + key).c_str());
+    }
 }
 
 std::string EflTest::textOf(Elm_Object_Item *item, const char *part) {

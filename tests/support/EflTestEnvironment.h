@@ -4,6 +4,7 @@
 #include <Elementary.h>
 #include <WNaviframeController.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <functional>
 #include <string>
@@ -35,6 +36,8 @@ protected:
     std::string logSinceStart() const;
     // Replaces the watch's device profile and has the platform read it.
     static void writeProfile(const std::string &json);
+    // Writes settings keys with the type of their JSON value; null removes the key.
+    static void writeSettings(const nlohmann::json &settings);
     // A row's text for the part as its list asks for it; "(none)" when it has none.
     static std::string textOf(Elm_Object_Item *item, const char *part);
     // A naviframe filling the window, shown, for pages to be pushed on.
