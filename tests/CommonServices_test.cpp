@@ -40,14 +40,7 @@ std::vector<nlohmann::json> rows(bool journal) {
     double end = ecore_time_get() + 10.0;
     while (platform::daemonAnswersAwaited() > 0 && ecore_time_get() < end)
         ecore_main_loop_iterate_may_block(1);
-    simtest::CommandResult r = simtest::quillsetSim(
-        {"--state", EflTestEnvironment::stateDir(), journal ? "launches" : "usage"});
-    EXPECT_EQ(r.status, 0) << r.err;
-    std::vector<nlohmann::json> out;
-    std::istringstream lines(r.out);
-    for (std::string line; std::getline(lines, line);)
-        out.push_back(nlohmann::json::parse(line));
-    return out;
+    return simtest::simRows(EflTestEnvironment::stateDir(), journal ? "launches" : "usage");
 }
 
 app_control_h request(const char *appId) {

@@ -73,10 +73,7 @@ protected:
     // The language as the platform selects it: catalogues, the fonts' language, the direction
     // its own catalogue gives the toolkit.
     void _use(const std::string &language) {
-        std::string list = language;
-        if (language.find('_') != std::string::npos)
-            list += ":" + language.substr(0, language.find('_'));
-        setenv("LANGUAGE", list.c_str(), 1);
+        setenv("LANGUAGE", languageList(language).c_str(), 1);
         ++_nl_msg_cat_cntr;
         elm_language_set(language.c_str());
         platform::applyWatchFonts(language);

@@ -78,13 +78,7 @@ protected:
 
     // `quillset-sim usage` or `launches`, one object a row.
     std::vector<nlohmann::json> rows(const std::string &what) {
-        simtest::CommandResult r = simtest::quillsetSim({"--state", _state.path(), what});
-        EXPECT_EQ(r.status, 0) << r.err;
-        std::vector<nlohmann::json> out;
-        std::istringstream lines(r.out);
-        for (std::string line; std::getline(lines, line);)
-            out.push_back(nlohmann::json::parse(line));
-        return out;
+        return simtest::simRows(_state.path(), what);
     }
 
     // Records and requests in the order the daemon kept them: "F" a record's feature,

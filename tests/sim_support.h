@@ -17,6 +17,8 @@
 #include <thread>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "StatePaths.h"
 
 // What the tests of the simulated watch and the platform stand-ins share.
@@ -100,6 +102,17 @@ inline CommandResult quillsetSim(const std::vector<std::string> &args,
     result.out = readText(output / "out");
     result.err = readText(output / "err");
     return result;
+}
+
+// What `quillset-sim usage` or `launches` lists for the watch in state, one object a row.
+inline std::vector<nlohmann::json> simRows(const std::string &state, const std::string &what) {
+    CommandResult r = quillsetSim({"--state", state, what});
+    EXPECT_EQ(r.status, 0) << r.err;
+    std::vector<nlohmann::json> out;
+    std::istringstream lines(r.out);
+    for (std::string line; std::getline(lines, line);)
+        out.push_back(nlohmann::json::parse(line));
+    return out;
 }
 
 // Whether the process has ended (a zombie that its parent has not reaped yet counts).

@@ -26,6 +26,12 @@ std::vector<std::string> compiledLanguages() {
     return found;
 }
 
+std::string languageList(const std::string &language) {
+    size_t underscore = language.find('_');
+    return underscore == std::string::npos ? language
+                                           : language + ":" + language.substr(0, underscore);
+}
+
 std::string textIn(const std::string &language, const char *id) {
     // Translations need a locale other than C; C.UTF-8 always exists.
     setlocale(LC_MESSAGES, "C.UTF-8");
@@ -33,10 +39,7 @@ std::string textIn(const std::string &language, const char *id) {
     bind_textdomain_codeset("quillset", "UTF-8");
     const char *before = getenv("LANGUAGE");
     std::string saved = before ? before : "";
-    std::string list = language;
-    if (language.find('_') != std::string::npos)
-        list += ":" + language.substr(0, language.find('_'));
-    setenv("LANGUAGE", list.c_str(), 1);
+    setenv("LANGUAGE", languageList(language).c_str(), 1);
     ++_nl_msg_cat_cntr;
     std::string text = dgettext("quillset", id);
     if (before)
